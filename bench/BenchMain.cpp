@@ -1,0 +1,56 @@
+#include "BenchMain.h"
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace mirel::bench {
+namespace {
+
+std::vector<std::pair<std::string, std::string>>& floors() {
+    static std::vector<std::pair<std::string, std::string>> f;
+    return f;
+}
+
+// Keeps the console output and remembers each run's time per iteration.
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& r : runs)
+            if (r.run_type == Run::RT_Iteration || r.aggregate_name == "mean")
+                times[r.run_name.function_name] = {r.GetAdjustedRealTime(),
+                                                   benchmark::GetTimeUnitString(r.time_unit)};
+    }
+    std::map<std::string, std::pair<double, const char*>> times;
+};
+
+} // namespace
+
+int registerFloor(const char* measured, const char* floor) {
+    floors().emplace_back(measured, floor);
+    return 0;
+}
+
+} // namespace mirel::bench
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    mirel::bench::RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    std::printf("\n%-34s %14s %14s %9s\n", "measured vs floor (same run)", "measured", "floor",
+                "ratio");
+    for (const auto& [m, f] : mirel::bench::floors()) {
+        const auto mi = reporter.times.find(m);
+        const auto fi = reporter.times.find(f);
+        if (mi == reporter.times.end() || fi == reporter.times.end())
+            continue;
+        std::printf("%-34s %11.3f %-2s %11.3f %-2s %8.2fx\n", m.c_str(), mi->second.first,
+                    mi->second.second, fi->second.first, fi->second.second,
+                    mi->second.first / fi->second.first);
+    }
+    benchmark::Shutdown();
+    return 0;
+}

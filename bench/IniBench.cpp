@@ -1,0 +1,78 @@
+// "incomming.ini" grows by one key per received message and is read and
+// written through the INI helpers for every message. Measured on a file of
+// 50,000 keys: the lookup of a missing key and the write of a new key, beside
+// reading the file once into memory (the floor).
+#include "BenchMain.h"
+#include "platform/IniFile.h"
+#include "platform/SettingsStore.h"
+#include "settings/IniHelpers.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace mirel;
+
+namespace {
+
+constexpr int kKeys = 50000;
+
+struct NullSink final : MessageSink {
+    void showMessage(const QString&, const QString&, Icon) override {}
+    bool askYesNo(const QString&, const QString&) override { return false; }
+};
+
+struct Fixture {
+    QTemporaryDir dir;
+    QString file = dir.path() + QStringLiteral("/incomming.ini");
+    Fixture() {
+        QByteArray bytes = "[Messages]\r\n";
+        for (int i = 0; i < kKeys; ++i)
+            bytes += "<" + QByteArray::number(i * 7919) + ".1234@mail.example.org>=1\r\n";
+        IniFile::save(file, bytes);
+    }
+};
+
+Fixture& fixture() {
+    static Fixture f;
+    return f;
+}
+
+void BM_ReadFileFloor(benchmark::State& state) {
+    Fixture& f = fixture();
+    for (auto _ : state) {
+        QFile file(f.file);
+        file.open(QIODevice::ReadOnly);
+        benchmark::DoNotOptimize(file.readAll());
+    }
+}
+BENCHMARK(BM_ReadFileFloor)->Unit(benchmark::kMicrosecond);
+
+void BM_ReadIniKeyMissing(benchmark::State& state) {
+    Fixture& f = fixture();
+    NullSink sink;
+    SettingsStore store(f.dir.path());
+    IniHelpers ini(sink, store);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(ini.ReadIniKey("Messages", "<not-there@x>", f.file));
+}
+BENCHMARK(BM_ReadIniKeyMissing)->Unit(benchmark::kMicrosecond);
+MIREL_FLOOR(BM_ReadIniKeyMissing, BM_ReadFileFloor);
+
+void BM_WriteIniKeyNew(benchmark::State& state) {
+    Fixture& f = fixture();
+    NullSink sink;
+    SettingsStore store(f.dir.path());
+    IniHelpers ini(sink, store);
+    int n = 0;
+    for (auto _ : state) {
+        const QByteArray key = "<new" + QByteArray::number(n++) + "@x>";
+        ini.WriteIniKey("Messages", key, "1", f.file);
+        state.PauseTiming(); // keep the file at 50,000 keys
+        IniFile::removeKey(f.file, "Messages", key);
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_WriteIniKeyNew)->Unit(benchmark::kMicrosecond);
+MIREL_FLOOR(BM_WriteIniKeyNew, BM_ReadFileFloor);
+
+} // namespace

@@ -1,0 +1,50 @@
+#include "platform/CaseFold.h"
+
+#include <array>
+
+namespace mirel {
+namespace {
+
+constexpr std::array<unsigned char, 256> makeFold() {
+    std::array<unsigned char, 256> t{};
+    for (int i = 0; i < 256; ++i)
+        t[i] = static_cast<unsigned char>(i);
+    for (int c = 'A'; c <= 'Z'; ++c)
+        t[c] = static_cast<unsigned char>(c + 32);
+    for (int c = 0xC0; c <= 0xDE; ++c)
+        if (c != 0xD7) // multiplication sign has no lower case
+            t[c] = static_cast<unsigned char>(c + 32);
+    t[0x8A] = 0x9A; // S caron
+    t[0x8C] = 0x9C; // OE
+    t[0x8E] = 0x9E; // Z caron
+    t[0x9F] = 0xFF; // Y diaeresis
+    return t;
+}
+
+constexpr auto kFold = makeFold();
+
+} // namespace
+
+unsigned char foldCase(unsigned char c) { return kFold[c]; }
+
+bool equalsNoCase(QByteArrayView a, QByteArrayView b) {
+    if (a.size() != b.size())
+        return false;
+    for (qsizetype i = 0; i < a.size(); ++i)
+        if (kFold[static_cast<unsigned char>(a[i])] != kFold[static_cast<unsigned char>(b[i])])
+            return false;
+    return true;
+}
+
+int compareNoCase(QByteArrayView a, QByteArrayView b) {
+    const qsizetype n = std::min(a.size(), b.size());
+    for (qsizetype i = 0; i < n; ++i) {
+        const int d = int(kFold[static_cast<unsigned char>(a[i])]) -
+                      int(kFold[static_cast<unsigned char>(b[i])]);
+        if (d != 0)
+            return d;
+    }
+    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
+}
+
+} // namespace mirel

@@ -1,0 +1,14 @@
+#pragma once
+// Case-insensitive comparison of Windows-1252 byte strings, the way the
+// system compares section names, key names, file names and sorted list entries.
+#include <QByteArrayView>
+
+namespace mirel {
+
+/// Folds a cp1252 byte to its lower-case form (ASCII and the accented letters).
+unsigned char foldCase(unsigned char c);
+bool equalsNoCase(QByteArrayView a, QByteArrayView b);
+/// <0, 0, >0 like strcmp, comparing folded bytes.
+int compareNoCase(QByteArrayView a, QByteArrayView b);
+
+} // namespace mirel

@@ -1,0 +1,237 @@
+#include "platform/IniDocument.h"
+
+#include "platform/CaseFold.h"
+
+#include <cstring>
+
+namespace mirel {
+namespace {
+
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
+// Trimming a value also drops a stray CR left by a CR CR LF ending.
+bool isTrim(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+const QByteArray kCrLf("\r\n");
+
+} // namespace
+
+IniDocument::IniDocument(QByteArray bytes) : m_bytes(std::move(bytes)) {}
+
+qsizetype IniDocument::firstLine(QByteArrayView b) {
+    return b.size() >= 3 && std::memcmp(b.data(), "\xEF\xBB\xBF", 3) == 0 ? 3 : 0;
+}
+
+IniDocument::Line IniDocument::classify(const char* d, qsizetype pos, qsizetype n) {
+    const void* nl = std::memchr(d + pos, '\n', size_t(n - pos));
+    const qsizetype next = nl ? static_cast<const char*>(nl) - d + 1 : n;
+    qsizetype end = nl ? next - 1 : n;
+    if (end > pos && d[end - 1] == '\r')
+        --end;
+    Line l{pos, end, next, Kind::Blank, 0, 0, -1, -1};
+    qsizetype s = pos;
+    while (s < end && isBlank(d[s]))
+        ++s;
+    if (s == end)
+        return l;
+    if (d[s] == ';') {
+        l.kind = Kind::Comment;
+        return l;
+    }
+    const char* close = nullptr;
+    if (d[s] == '[') {
+        for (qsizetype i = end - 1; i > s; --i)
+            if (d[i] == ']') {
+                close = d + i;
+                break;
+            }
+    }
+    if (close) {
+        l.kind = Kind::Section;
+        l.nameBegin = s + 1;
+        l.nameEnd = close - d;
+    } else {
+        l.kind = Kind::Key;
+        const void* eq = std::memchr(d + s, '=', size_t(end - s));
+        l.nameBegin = s;
+        l.nameEnd = eq ? static_cast<const char*>(eq) - d : end;
+        if (eq) {
+            l.valueBegin = l.nameEnd + 1;
+            l.valueEnd = end;
+            while (l.valueBegin < l.valueEnd && isTrim(d[l.valueBegin]))
+                ++l.valueBegin;
+            while (l.valueEnd > l.valueBegin && isTrim(d[l.valueEnd - 1]))
+                --l.valueEnd;
+        }
+    }
+    while (l.nameBegin < l.nameEnd && isBlank(d[l.nameBegin]))
+        ++l.nameBegin;
+    while (l.nameEnd > l.nameBegin && isTrim(d[l.nameEnd - 1]))
+        --l.nameEnd;
+    return l;
+}
+
+QByteArray IniDocument::valueOf(QByteArrayView b, const Line& l) {
+    qsizetype from = l.valueBegin, to = l.valueEnd;
+    if (to - from >= 2) {
+        const char q = b[from];
+        if ((q == '"' || q == '\'') && b[to - 1] == q) {
+            ++from;
+            --to;
+        }
+    }
+    return b.sliced(from, to - from).toByteArray();
+}
+
+IniDocument::Located IniDocument::locate(QByteArrayView bytes, QByteArrayView section,
+                                         QByteArrayView key, bool stopAtKey) {
+    Located at;
+    const char* d = bytes.data();
+    const qsizetype n = bytes.size();
+    for (qsizetype pos = firstLine(bytes); pos < n;) {
+        const Line l = classify(d, pos, n);
+        pos = l.next;
+        const QByteArrayView name(d + l.nameBegin, l.nameEnd - l.nameBegin);
+        if (l.kind == Kind::Section) {
+            if (at.header) {
+                at.sectionEnd = l.begin; // only the first section of a name counts
+                return at;
+            }
+            if (equalsNoCase(name, section))
+                at.header = at.lastFilled = l;
+        } else if (at.header) {
+            if (l.kind != Kind::Blank)
+                at.lastFilled = l;
+            if (!at.key && l.kind == Kind::Key && equalsNoCase(name, key)) {
+                at.key = l;
+                if (stopAtKey)
+                    return at;
+            }
+        }
+    }
+    at.sectionEnd = n;
+    return at;
+}
+
+std::optional<QByteArray> IniDocument::lookup(QByteArrayView bytes, QByteArrayView section,
+                                              QByteArrayView key) {
+    const Located at = locate(bytes, section, key, true);
+    if (!at.key || at.key->valueBegin < 0)
+        return std::nullopt;
+    return valueOf(bytes, *at.key);
+}
+
+void IniDocument::parse() const {
+    m_dirty = false;
+    m_lines.clear();
+    m_sections.clear();
+    const char* d = m_bytes.constData();
+    const qsizetype n = m_bytes.size();
+    for (qsizetype pos = firstLine(m_bytes); pos < n;) {
+        const Line l = classify(d, pos, n);
+        if (l.kind == Kind::Section) {
+            if (!m_sections.empty())
+                m_sections.back().endLine = qsizetype(m_lines.size());
+            m_sections.push_back({qsizetype(m_lines.size()), 0});
+        }
+        m_lines.push_back(l);
+        pos = l.next;
+    }
+    if (!m_sections.empty())
+        m_sections.back().endLine = qsizetype(m_lines.size());
+}
+
+QByteArrayView IniDocument::nameOf(const Line& l) const {
+    return QByteArrayView(m_bytes.constData() + l.nameBegin, l.nameEnd - l.nameBegin);
+}
+
+const IniDocument::Section* IniDocument::findSection(QByteArrayView name) const {
+    ensureParsed();
+    for (const Section& s : m_sections)
+        if (equalsNoCase(nameOf(m_lines[s.headerLine]), name))
+            return &s;
+    return nullptr;
+}
+
+const IniDocument::Line* IniDocument::findKey(const Section& s, QByteArrayView key) const {
+    for (qsizetype i = s.headerLine + 1; i < s.endLine; ++i) {
+        const Line& l = m_lines[i];
+        if (l.kind == Kind::Key && equalsNoCase(nameOf(l), key))
+            return &l;
+    }
+    return nullptr;
+}
+
+std::optional<QByteArray> IniDocument::value(QByteArrayView section, QByteArrayView key) const {
+    const Section* s = findSection(section);
+    if (!s)
+        return std::nullopt;
+    const Line* l = findKey(*s, key);
+    if (!l || l->valueBegin < 0)
+        return std::nullopt;
+    return valueOf(m_bytes, *l);
+}
+
+bool IniDocument::hasSection(QByteArrayView section) const { return findSection(section); }
+
+QList<QByteArray> IniDocument::keyNames(QByteArrayView section) const {
+    QList<QByteArray> out;
+    if (const Section* s = findSection(section))
+        for (qsizetype i = s->headerLine + 1; i < s->endLine; ++i)
+            if (m_lines[i].kind == Kind::Key)
+                out.append(nameOf(m_lines[i]).toByteArray());
+    return out;
+}
+
+QList<QByteArray> IniDocument::sectionNames() const {
+    ensureParsed();
+    QList<QByteArray> out;
+    for (const Section& s : m_sections)
+        out.append(nameOf(m_lines[s.headerLine]).toByteArray());
+    return out;
+}
+
+void IniDocument::replaceRange(qsizetype from, qsizetype to, QByteArrayView with) {
+    m_bytes.replace(from, to - from, with);
+    m_dirty = true;
+}
+
+void IniDocument::setValue(QByteArrayView section, QByteArrayView key, QByteArrayView value) {
+    const Located at = locate(m_bytes, section, key, false);
+    const QByteArray entry = key.toByteArray() + '=' + value.toByteArray();
+    if (!at.header) {
+        QByteArray add;
+        if (!m_bytes.isEmpty() && !m_bytes.endsWith('\n'))
+            add += kCrLf;
+        add += '[' + section.toByteArray() + ']' + kCrLf + entry + kCrLf;
+        replaceRange(m_bytes.size(), m_bytes.size(), add);
+    } else if (at.key) {
+        // The key keeps its spelling; the line keeps its own line end.
+        const Line& l = *at.key;
+        replaceRange(l.begin, l.end,
+                     m_bytes.sliced(l.nameBegin, l.nameEnd - l.nameBegin) + '=' + value.toByteArray());
+    } else {
+        const Line& after = *at.lastFilled;
+        // The last line of a file may lack its line end.
+        const QByteArray add = (after.next == after.end ? kCrLf : QByteArray()) + entry + kCrLf;
+        replaceRange(after.next, after.next, add);
+    }
+}
+
+bool IniDocument::removeKey(QByteArrayView section, QByteArrayView key) {
+    const Located at = locate(m_bytes, section, key, true);
+    if (!at.header)
+        return false;
+    if (at.key)
+        replaceRange(at.key->begin, at.key->next, {});
+    return true;
+}
+
+bool IniDocument::removeSection(QByteArrayView section) {
+    const Located at = locate(m_bytes, section, {}, false);
+    if (!at.header)
+        return false;
+    replaceRange(at.header->begin, at.sectionEnd, {});
+    return true;
+}
+
+} // namespace mirel

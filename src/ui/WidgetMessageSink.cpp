@@ -1,0 +1,26 @@
+#include "ui/WidgetMessageSink.h"
+
+#include <QMessageBox>
+
+namespace mirel {
+
+void WidgetMessageSink::showMessage(const QString& text, const QString& title, Icon icon) {
+    QMessageBox box(m_parent);
+    box.setWindowTitle(title);
+    box.setText(text);
+    switch (icon) {
+    case Icon::Information: box.setIcon(QMessageBox::Information); break;
+    case Icon::Warning: box.setIcon(QMessageBox::Warning); break;
+    case Icon::Critical: box.setIcon(QMessageBox::Critical); break;
+    case Icon::Question: box.setIcon(QMessageBox::Question); break;
+    case Icon::None: break;
+    }
+    box.exec();
+}
+
+bool WidgetMessageSink::askYesNo(const QString& text, const QString& title) {
+    return QMessageBox::question(m_parent, title, text, QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
+
+} // namespace mirel

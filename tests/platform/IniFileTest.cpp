@@ -1,0 +1,140 @@
+#include "platform/IniFile.h"
+
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QThread>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+TEST(IniFile, MissingFileIsMissingNotAnError) {
+    TempDir dir;
+    QByteArray v;
+    EXPECT_EQ(IniFile::read(dir.file("none.ini"), "A", "k", v).status, IniResult::Missing);
+    EXPECT_EQ(IniFile::removeKey(dir.file("none.ini"), "A", "k").status, IniResult::Missing);
+    EXPECT_FALSE(QFile::exists(dir.file("none.ini")));
+}
+
+TEST(IniFile, WriteCreatesFileWithCrLfAndLeavesNoLockBehind) {
+    TempDir dir;
+    ASSERT_TRUE(IniFile::write(dir.file("a.ini"), "S", "k", "v"));
+    ASSERT_TRUE(IniFile::write(dir.file("a.ini"), "S", "j", "w"));
+    EXPECT_EQ(readAll(dir.file("a.ini")), QByteArray("[S]\r\nk=v\r\nj=w\r\n"));
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"a.ini"});
+}
+
+TEST(IniFile, FolderAndUnreadableFileAreErrorsNamingTheFile) {
+    TempDir dir;
+    QDir(dir.path()).mkdir("sub.ini");
+    QByteArray v;
+    const IniResult r = IniFile::read(dir.file("sub.ini"), "A", "k", v);
+    EXPECT_EQ(r.status, IniResult::IoError);
+    EXPECT_TRUE(r.error.contains("sub.ini"));
+    EXPECT_EQ(IniFile::write(dir.file("sub.ini"), "A", "k", "v").status, IniResult::IoError);
+
+    if (getuid() != 0) { // root reads everything
+        writeAll(dir.file("locked.ini"), "[A]\r\nk=v\r\n");
+        QFile::setPermissions(dir.file("locked.ini"), {});
+        EXPECT_EQ(IniFile::read(dir.file("locked.ini"), "A", "k", v).status,
+                  IniResult::IoError);
+    }
+}
+
+TEST(IniFile, WriteIntoMissingFolderFailsCleanly) {
+    TempDir dir;
+    const IniResult r = IniFile::write(dir.file("no/such/folder/x.ini"), "A", "k", "v");
+    EXPECT_EQ(r.status, IniResult::IoError);
+    EXPECT_FALSE(r.error.isEmpty());
+}
+
+TEST(IniFile, ReplaceKeepsPermissionsOfTheFile) {
+    TempDir dir;
+    const QString f = dir.file("accounts.ini");
+    ASSERT_TRUE(IniFile::write(f, "A", "k", "v"));
+    ::chmod(QFile::encodeName(f).constData(), 0600);
+    ASSERT_TRUE(IniFile::write(f, "A", "k", "w"));
+    struct stat st {};
+    ASSERT_EQ(::stat(QFile::encodeName(f).constData(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+}
+
+TEST(IniFile, PathsResolveWithoutRegardToCase) {
+    TempDir dir;
+    QDir(dir.path()).mkpath("mirel");
+    writeAll(dir.file("mirel/calendar.ini"), "[0101]\r\nx=1\r\n");
+    QByteArray v;
+    ASSERT_TRUE(IniFile::read(dir.path() + "\\Mirel\\Calendar.ini", "0101", "x", v));
+    EXPECT_EQ(v, "1");
+    ASSERT_TRUE(IniFile::write(dir.path() + "\\MIREL\\CALENDAR.INI", "0101", "y", "2"));
+    EXPECT_EQ(readAll(dir.file("mirel/calendar.ini")), QByteArray("[0101]\r\nx=1\r\ny=2\r\n"));
+    EXPECT_EQ(QDir(dir.file("mirel")).entryList(QDir::Files), QStringList{"calendar.ini"});
+}
+
+TEST(IniFile, TwoProcessesWritingAtOnceLoseNoKey) {
+    TempDir dir;
+    const QString f = dir.file("incomming.ini");
+    constexpr int kEach = 150;
+    QProcess* a = startHelper({"write-keys", f, "Seen", "a", QString::number(kEach)});
+    QProcess* b = startHelper({"write-keys", f, "seen", "b", QString::number(kEach)});
+    ASSERT_TRUE(a->waitForFinished(120000));
+    ASSERT_TRUE(b->waitForFinished(120000));
+    EXPECT_EQ(a->exitCode(), 0);
+    EXPECT_EQ(b->exitCode(), 0);
+    delete a;
+    delete b;
+    QByteArray bytes;
+    ASSERT_TRUE(IniFile::load(f, bytes));
+    const IniDocument doc(bytes);
+    EXPECT_EQ(doc.keyNames("SEEN").size(), 2 * kEach);
+    for (int i = 0; i < kEach; ++i) {
+        EXPECT_EQ(doc.value("Seen", "a" + QByteArray::number(i)), "v" + QByteArray::number(i));
+        EXPECT_EQ(doc.value("Seen", "b" + QByteArray::number(i)), "v" + QByteArray::number(i));
+    }
+    EXPECT_EQ(doc.sectionNames().size(), 1);
+}
+
+TEST(IniFile, KilledWriterLeavesOldOrNewFileNeverATornOne) {
+    TempDir dir;
+    const QString f = dir.file("big.ini");
+    constexpr int kSize = 4 * 1024 * 1024;
+    ASSERT_TRUE(IniFile::write(f, "A", "before", "kept"));
+    for (int round = 0; round < 5; ++round) {
+        QProcess* p = startHelper({"rewrite", f, "A", "v", QString::number(kSize)});
+        p->waitForReadyRead(20000); // at least one write done
+        QThread::msleep(7 + round * 13);
+        p->kill();
+        p->waitForFinished();
+        delete p;
+
+        QByteArray bytes;
+        ASSERT_TRUE(IniFile::load(f, bytes));
+        const IniDocument doc(bytes);
+        EXPECT_EQ(doc.value("A", "before"), QByteArray("kept"));
+        const auto v = doc.value("A", "v");
+        ASSERT_TRUE(v.has_value());
+        ASSERT_EQ(v->size(), kSize);
+        EXPECT_EQ(v->count(v->front()), kSize) << "value mixes two writes";
+        EXPECT_TRUE(bytes.endsWith("\r\n"));
+    }
+    // A writer killed while holding the lock does not block the next one.
+    EXPECT_TRUE(IniFile::write(f, "A", "after", "ok"));
+}
+
+TEST(IniFile, FileVanishingBetweenReadsIsJustMissing) {
+    TempDir dir;
+    const QString f = dir.file("gone.ini");
+    ASSERT_TRUE(IniFile::write(f, "A", "k", "v"));
+    QByteArray v;
+    ASSERT_TRUE(IniFile::read(f, "A", "k", v));
+    QFile::remove(f);
+    EXPECT_EQ(IniFile::read(f, "A", "k", v).status, IniResult::Missing);
+    EXPECT_TRUE(v.isEmpty());
+}
+
+} // namespace
