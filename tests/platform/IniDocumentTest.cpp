@@ -6,6 +6,15 @@ using namespace mirel;
 
 namespace {
 
+// gtest names may hold only letters, digits and underscores.
+std::string caseName(const char* name) {
+    std::string s = name;
+    for (char& c : s)
+        if (!isalnum(static_cast<unsigned char>(c)))
+            c = '_';
+    return s;
+}
+
 struct ReadCase {
     const char* name;
     QByteArray file;
@@ -66,13 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
                  QByteArray("v")},
         ReadCase{"CR CR LF", "[A]\r\nk=v\r\r\n", "A", "k", QByteArray("v")},
         ReadCase{"empty file", "", "A", "k", kMissing}),
-    [](const auto& info) {
-        std::string s = info.param.name;
-        for (char& c : s)
-            if (!isalnum(static_cast<unsigned char>(c)))
-                c = '_';
-        return s;
-    });
+    [](const auto& info) { return caseName(info.param.name); });
 
 struct EditCase {
     const char* name;
@@ -121,13 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
                  [](IniDocument& d) { d.removeSection("a"); }, "; top\r\n[B]\r\ny=2\r\n"},
         EditCase{"remove last section", "[A]\r\nx=1\r\n[B]\r\ny=2",
                  [](IniDocument& d) { d.removeSection("B"); }, "[A]\r\nx=1\r\n"}),
-    [](const auto& info) {
-        std::string s = info.param.name;
-        for (char& c : s)
-            if (!isalnum(static_cast<unsigned char>(c)))
-                c = '_';
-        return s;
-    });
+    [](const auto& info) { return caseName(info.param.name); });
 
 TEST(IniDocument, ListsSectionsAndKeysInFileOrder) {
     IniDocument d("[One]\r\nb=1\r\na=2\r\nnovalue\r\n; c=3\r\n[Two]\r\n[one]\r\nz=9\r\n");
