@@ -1,5 +1,6 @@
 #include "platform/CaseFold.h"
 
+#include <QByteArray>
 #include <array>
 
 namespace mirel {
@@ -25,7 +26,9 @@ constexpr auto kFold = makeFold();
 
 } // namespace
 
-unsigned char foldCase(unsigned char c) { return kFold[c]; }
+unsigned char foldCase(unsigned char c) {
+    return kFold[c];
+}
 
 bool equalsNoCase(QByteArrayView a, QByteArrayView b) {
     if (a.size() != b.size())
@@ -45,6 +48,16 @@ int compareNoCase(QByteArrayView a, QByteArrayView b) {
             return d;
     }
     return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
+}
+
+bool containsNoCase(QByteArrayView haystack, QByteArrayView needle) {
+    auto folded = [](QByteArrayView v) {
+        QByteArray out(v.size(), Qt::Uninitialized);
+        for (qsizetype i = 0; i < v.size(); ++i)
+            out[i] = char(kFold[static_cast<unsigned char>(v[i])]);
+        return out;
+    };
+    return folded(haystack).contains(folded(needle));
 }
 
 } // namespace mirel

@@ -10,5 +10,7 @@ unsigned char foldCase(unsigned char c);
 bool equalsNoCase(QByteArrayView a, QByteArrayView b);
 /// <0, 0, >0 like strcmp, comparing folded bytes.
 int compareNoCase(QByteArrayView a, QByteArrayView b);
+/// Whether haystack holds needle, compared without regard to case.
+bool containsNoCase(QByteArrayView haystack, QByteArrayView needle);
 
 } // namespace mirel

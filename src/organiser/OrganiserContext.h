@@ -1,0 +1,43 @@
+#pragma once
+// What every organiser operation needs from the shell, passed in so tests
+// can give their own folders, clock and message sink.
+#include "platform/Clock.h"
+#include "platform/MessageSink.h"
+#include "settings/Folders.h"
+#include "settings/IniHelpers.h"
+
+#include <functional>
+
+namespace mirel {
+
+/// Folders, INI helpers, clock and message sink of one running program.
+struct OrganiserContext {
+    const Folders& folders;
+    IniHelpers& ini;
+    const Clock& clock;
+    MessageSink& messages;
+    /// Called after every save or delete that the overview shows.
+    std::function<void()> refreshOverview = [] {};
+
+    /// The folder a key of section "MIREL" in "directories.ini" names
+    /// ("Notes", "Logbook", "Todo"), read anew at every call. A value that
+    /// names no folder here (a path written on Windows, say) falls back to
+    /// the default under the program folder; the file itself is left alone.
+    QString itemFolder(const QByteArray& key) const;
+    QString directoriesIni() const {
+        return folders.path(QStringLiteral("\\mirel\\directories.ini"));
+    }
+    QString defaultItemFolder(const QByteArray& key) const;
+    /// The local time as fourteen digits "yyyymmddHhNnSs".
+    QByteArray stampNow() const;
+    /// Key "load" of a screen's skin section: the list-click sound.
+    QByteArray listSound(const QByteArray& section) const;
+    /// "Are you sure to delete this item?" with Yes and No.
+    bool confirmDelete() const;
+    /// Deletes an item file; a file that will not go is reported.
+    void deleteFile(const QString& path) const;
+    /// Reports a file error with the file's name; the operation then ends.
+    void reportFileError(const QString& error) const;
+};
+
+} // namespace mirel

@@ -1,0 +1,113 @@
+#include "organiser/TodoList.h"
+
+#include "organiser/NotesBook.h"
+#include "organiser/TextFile.h"
+
+namespace mirel {
+
+void TodoList::load(OrganiserState& st) const {
+    st.lstSorted1.clear();
+    const QString dir = folder();
+    const QStringList files = TextFile::listFolder(dir);
+    QList<ListEntry> entries;
+    for (int i = 0; i < files.size(); ++i) {
+        QString error;
+        const auto lines = TextFile::readLines(dir + QLatin1Char('/') + files[i], &error);
+        if (!lines) {
+            m_ctx.reportFileError(error);
+            continue;
+        }
+        entries.append({lines->value(0) + lines->value(1) + kFieldSep + files[i].toLocal8Bit(), i});
+    }
+    st.lstSorted1.addAll(entries);
+    st.rows.clear();
+    for (const ListEntry& e : st.lstSorted1.entries()) {
+        if (e.text.isEmpty())
+            continue;
+        const QByteArray label = e.text.startsWith('0') ? "TODO" : "DONE";
+        st.rows.add(label + "  " + beforeSep(e.text).mid(1), e.itemData);
+    }
+    st.listSound = m_ctx.listSound("TODO");
+    st.selection = -1;
+}
+
+void TodoList::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
+    const QByteArray entry = st.lstSorted1.text(i);
+    boxes.body.clear();
+    boxes.doneButtonVisible = false;
+    if (entry.isEmpty())
+        return;
+    boxes.doneButtonVisible = entry.startsWith('0');
+    QString error;
+    const auto lines = TextFile::readLines(
+        folder() + QLatin1Char('/') + QString::fromLocal8Bit(afterSep(entry)), &error);
+    if (!lines) {
+        m_ctx.reportFileError(error);
+        return;
+    }
+    boxes.body = bodyFromLines(*lines, 1);
+}
+
+void TodoList::add(OrganiserState& st, EditBoxes& boxes) const {
+    show(st, -1, boxes);
+    st.selection = -1;
+    boxes.focusFirstBox = true;
+}
+
+void TodoList::click(OrganiserState& st, int row, EditBoxes& boxes) const {
+    const bool valid = !st.rows.text(row).isEmpty();
+    st.selection = qint16(valid ? row : -1);
+    show(st, st.selection, boxes);
+}
+
+void TodoList::reset(OrganiserState& st, EditBoxes& boxes) const {
+    load(st);
+    show(st, -1, boxes);
+    st.selection = -1;
+    m_ctx.refreshOverview();
+}
+
+bool TodoList::save(OrganiserState& st, EditBoxes& boxes) const {
+    const QString dir = folder();
+    QByteArray name, status;
+    if (st.selection < 0) {
+        name = freeStampName(dir, m_ctx.clock.now(), ".tod");
+        status = "0";
+    } else {
+        const QByteArray entry = st.lstSorted1.text(st.selection);
+        name = afterSep(entry);
+        status = entry.left(1);
+    }
+    if (boxes.body.isEmpty())
+        boxes.body = "---";
+    QString error;
+    if (name.isEmpty() || !TextFile::write(dir + QLatin1Char('/') + QString::fromLocal8Bit(name),
+                                           status + "\r\n" + boxes.body + "\r\n", &error)) {
+        m_ctx.reportFileError(error);
+        return false;
+    }
+    reset(st, boxes);
+    return true;
+}
+
+bool TodoList::markDone(OrganiserState& st, EditBoxes& boxes) const {
+    QByteArray entry = st.lstSorted1.text(st.selection);
+    if (entry.isEmpty())
+        return false;
+    entry[0] = '1';
+    st.lstSorted1.setText(st.selection, entry);
+    return save(st, boxes);
+}
+
+bool TodoList::remove(OrganiserState& st, EditBoxes& boxes) const {
+    if (boxes.body.isEmpty() || st.selection < 0 || !m_ctx.confirmDelete())
+        return false;
+    const QString path = folder() + QLatin1Char('/') +
+                         QString::fromLocal8Bit(afterSep(st.lstSorted1.text(st.selection)));
+    st.lstSorted1.removeAt(st.selection);
+    m_ctx.deleteFile(path);
+    reset(st, boxes);
+    return true;
+}
+
+} // namespace mirel

@@ -1,0 +1,30 @@
+#pragma once
+// A program folder in a temporary directory with the data folders made,
+// a fixed clock and a message sink that records.
+#include "TestSupport.h"
+#include "organiser/DataFolders.h"
+#include "organiser/OrganiserContext.h"
+
+#include <gtest/gtest.h>
+
+namespace mirel::test {
+
+class OrganiserFixture : public ::testing::Test {
+  protected:
+    TempDir dir;
+    RecordingMessageSink sink;
+    SettingsStore store{dir.file("config")};
+    IniHelpers ini{sink, store};
+    FixedClock clock{QDateTime(QDate(2006, 11, 16), QTime(16, 45, 12))};
+    Folders folders{dir.file("prog"), QStringLiteral("\\themes\\Default\\")};
+    int overviewRefreshes = 0;
+    OrganiserContext ctx{folders, ini, clock, sink, [this] { ++overviewRefreshes; }};
+
+    void SetUp() override {
+        QDir().mkpath(folders.ProgramDir);
+        DataFolders(ctx).bootstrap();
+    }
+    QString data(const QString& rel) const { return folders.ProgramDir + "/Mirel/" + rel; }
+};
+
+} // namespace mirel::test
