@@ -50,14 +50,15 @@ int compareNoCase(QByteArrayView a, QByteArrayView b) {
     return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
 }
 
+QByteArray toFolded(QByteArrayView v) {
+    QByteArray out(v.size(), Qt::Uninitialized);
+    for (qsizetype i = 0; i < v.size(); ++i)
+        out[i] = char(kFold[static_cast<unsigned char>(v[i])]);
+    return out;
+}
+
 bool containsNoCase(QByteArrayView haystack, QByteArrayView needle) {
-    auto folded = [](QByteArrayView v) {
-        QByteArray out(v.size(), Qt::Uninitialized);
-        for (qsizetype i = 0; i < v.size(); ++i)
-            out[i] = char(kFold[static_cast<unsigned char>(v[i])]);
-        return out;
-    };
-    return folded(haystack).contains(folded(needle));
+    return toFolded(haystack).contains(toFolded(needle));
 }
 
 } // namespace mirel

@@ -10,6 +10,8 @@ unsigned char foldCase(unsigned char c);
 bool equalsNoCase(QByteArrayView a, QByteArrayView b);
 /// <0, 0, >0 like strcmp, comparing folded bytes.
 int compareNoCase(QByteArrayView a, QByteArrayView b);
+/// The string with every byte folded: equal for names equal without regard to case.
+QByteArray toFolded(QByteArrayView s);
 /// Whether haystack holds needle, compared without regard to case.
 bool containsNoCase(QByteArrayView haystack, QByteArrayView needle);
 

@@ -2,14 +2,21 @@
 
 #include "platform/CaseFold.h"
 
+#include <QHash>
+#include <QSet>
+
 #include <cstring>
 
 namespace mirel {
 namespace {
 
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 // Trimming a value also drops a stray CR left by a CR CR LF ending.
-bool isTrim(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+bool isTrim(char c) {
+    return c == ' ' || c == '\t' || c == '\r';
+}
 
 const QByteArray kCrLf("\r\n");
 
@@ -171,7 +178,9 @@ std::optional<QByteArray> IniDocument::value(QByteArrayView section, QByteArrayV
     return valueOf(m_bytes, *l);
 }
 
-bool IniDocument::hasSection(QByteArrayView section) const { return findSection(section); }
+bool IniDocument::hasSection(QByteArrayView section) const {
+    return findSection(section);
+}
 
 QList<QByteArray> IniDocument::keyNames(QByteArrayView section) const {
     QList<QByteArray> out;
@@ -179,6 +188,24 @@ QList<QByteArray> IniDocument::keyNames(QByteArrayView section) const {
         for (qsizetype i = s->headerLine + 1; i < s->endLine; ++i)
             if (m_lines[i].kind == Kind::Key)
                 out.append(nameOf(m_lines[i]).toByteArray());
+    return out;
+}
+
+QHash<QByteArray, QByteArray> IniDocument::sectionValues(QByteArrayView section) const {
+    QHash<QByteArray, QByteArray> out;
+    QSet<QByteArray> seen; // a key line without "=" still hides later ones
+    if (const Section* s = findSection(section))
+        for (qsizetype i = s->headerLine + 1; i < s->endLine; ++i) {
+            const Line& l = m_lines[i];
+            if (l.kind != Kind::Key)
+                continue;
+            const QByteArray name = toFolded(nameOf(l));
+            if (seen.contains(name))
+                continue;
+            seen.insert(name);
+            if (l.valueBegin >= 0)
+                out.insert(name, valueOf(m_bytes, l));
+        }
     return out;
 }
 
@@ -196,25 +223,67 @@ void IniDocument::replaceRange(qsizetype from, qsizetype to, QByteArrayView with
 }
 
 void IniDocument::setValue(QByteArrayView section, QByteArrayView key, QByteArrayView value) {
-    const Located at = locate(m_bytes, section, key, false);
-    const QByteArray entry = key.toByteArray() + '=' + value.toByteArray();
+    setValues(section, {{key.toByteArray(), value.toByteArray()}});
+}
+
+void IniDocument::setValues(QByteArrayView section,
+                            const QList<std::pair<QByteArray, QByteArray>>& entries) {
+    // The last value given for a name wins, as if set one after another.
+    QHash<QByteArray, qsizetype> pending; // folded name -> index into entries
+    for (qsizetype i = 0; i < entries.size(); ++i)
+        pending.insert(toFolded(entries[i].first), i);
+    auto entryLine = [&](qsizetype i, QByteArrayView name) {
+        return name.toByteArray() + '=' + entries[i].second;
+    };
+
+    const Located at = locate(m_bytes, section, {}, false);
     if (!at.header) {
         QByteArray add;
         if (!m_bytes.isEmpty() && !m_bytes.endsWith('\n'))
             add += kCrLf;
-        add += '[' + section.toByteArray() + ']' + kCrLf + entry + kCrLf;
+        add += '[' + section.toByteArray() + ']' + kCrLf;
+        for (qsizetype i = 0; i < entries.size(); ++i)
+            if (pending.value(toFolded(entries[i].first), -1) == i)
+                add += entryLine(i, entries[i].first) + kCrLf;
         replaceRange(m_bytes.size(), m_bytes.size(), add);
-    } else if (at.key) {
-        // The key keeps its spelling; the line keeps its own line end.
-        const Line& l = *at.key;
-        replaceRange(l.begin, l.end,
-                     m_bytes.sliced(l.nameBegin, l.nameEnd - l.nameBegin) + '=' + value.toByteArray());
-    } else {
-        const Line& after = *at.lastFilled;
-        // The last line of a file may lack its line end.
-        const QByteArray add = (after.next == after.end ? kCrLf : QByteArray()) + entry + kCrLf;
-        replaceRange(after.next, after.next, add);
+        return;
     }
+
+    // Rebuild the section's lines: the first key of each name is replaced
+    // in place (keeping its spelling and line end), every other line is
+    // copied; names not found go after the last non-blank line.
+    const char* d = m_bytes.constData();
+    const qsizetype from = at.header->next, to = at.sectionEnd;
+    QByteArray body;
+    body.reserve(to - from + 64 * entries.size());
+    qsizetype insertAt = 0; // offset in body after the last non-blank line
+    bool lastHasEol = at.header->next != at.header->end;
+    for (qsizetype pos = from; pos < to;) {
+        const Line l = classify(d, pos, to);
+        pos = l.next;
+        const QByteArrayView name(d + l.nameBegin, l.nameEnd - l.nameBegin);
+        const qsizetype hit =
+            l.kind == Kind::Key ? pending.value(toFolded(name), -1) : qsizetype(-1);
+        if (hit >= 0) {
+            pending.remove(toFolded(name));
+            body += entryLine(hit, name);
+            body += QByteArrayView(d + l.end, l.next - l.end);
+        } else {
+            body += QByteArrayView(d + l.begin, l.next - l.begin);
+        }
+        if (l.kind != Kind::Blank) {
+            insertAt = body.size();
+            lastHasEol = l.next != l.end;
+        }
+    }
+    QByteArray add;
+    if (!pending.isEmpty() && !lastHasEol)
+        add += kCrLf;
+    for (qsizetype i = 0; i < entries.size(); ++i)
+        if (pending.value(toFolded(entries[i].first), -1) == i)
+            add += entryLine(i, entries[i].first) + kCrLf;
+    body.insert(insertAt, add);
+    replaceRange(from, to, body);
 }
 
 bool IniDocument::removeKey(QByteArrayView section, QByteArrayView key) {

@@ -18,6 +18,7 @@
 // Edits keep every line they do not touch byte for byte; the lines they
 // write end in CR LF.
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <optional>
 #include <vector>
@@ -26,7 +27,7 @@ namespace mirel {
 
 /// A parsed view of INI bytes with lookups and byte-preserving edits.
 class IniDocument {
-public:
+  public:
     explicit IniDocument(QByteArray bytes = {});
 
     /// One lookup straight on the bytes, without building the line table:
@@ -42,21 +43,27 @@ public:
     /// Key names of the first section of that name, in file order.
     QList<QByteArray> keyNames(QByteArrayView section) const;
     QList<QByteArray> sectionNames() const;
+    /// Every key of the first section of that name with its value, names
+    /// folded to lower case, first key of a name wins: for reading a whole
+    /// section without a lookup per key.
+    QHash<QByteArray, QByteArray> sectionValues(QByteArrayView section) const;
 
     /// Replaces the first key of that name in place, or appends it at the end
     /// of its section, or appends the section at the end of the file.
     void setValue(QByteArrayView section, QByteArrayView key, QByteArrayView value);
+    /// Many setValue calls on one section in one pass over the file.
+    void setValues(QByteArrayView section, const QList<std::pair<QByteArray, QByteArray>>& entries);
     /// Returns false when the section does not exist; a missing key is no error.
     bool removeKey(QByteArrayView section, QByteArrayView key);
     /// Removes the header and every line up to the next section header.
     bool removeSection(QByteArrayView section);
 
-private:
+  private:
     enum class Kind { Blank, Comment, Section, Key };
     struct Line {
-        qsizetype begin;   // first byte of the line
-        qsizetype end;     // end of content, before CR LF / LF
-        qsizetype next;    // first byte of the following line
+        qsizetype begin; // first byte of the line
+        qsizetype end;   // end of content, before CR LF / LF
+        qsizetype next;  // first byte of the following line
         Kind kind;
         qsizetype nameBegin, nameEnd;
         qsizetype valueBegin, valueEnd; // valueBegin < 0: no "="
@@ -68,10 +75,10 @@ private:
 
     // Where a section and a key of it stand, found in one pass over the bytes.
     struct Located {
-        std::optional<Line> header;   // first section of the name
-        std::optional<Line> key;      // first key of the name in it
+        std::optional<Line> header;     // first section of the name
+        std::optional<Line> key;        // first key of the name in it
         std::optional<Line> lastFilled; // last non-blank line of the section
-        qsizetype sectionEnd = -1;    // first byte after the section
+        qsizetype sectionEnd = -1;      // first byte after the section
     };
     static Located locate(QByteArrayView bytes, QByteArrayView section, QByteArrayView key,
                           bool stopAtKey);

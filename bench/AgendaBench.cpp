@@ -1,0 +1,103 @@
+// An agenda of 5,000 items (1,000 weekly): loading plus the present view,
+// and the overview refresh with 1,000 open tasks; beside reading and
+// decoding the same store once (the floor).
+#include "BenchMain.h"
+#include "organiser/AgendaStore.h"
+#include "organiser/Overview.h"
+#include "platform/IniFile.h"
+#include "settings/TripletCodec.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace mirel;
+
+namespace {
+
+struct NullSink final : MessageSink {
+    void showMessage(const QString&, const QString&, Icon) override {}
+    bool askYesNo(const QString&, const QString&) override { return false; }
+};
+
+struct World {
+    QTemporaryDir dir;
+    NullSink sink;
+    SettingsStore store{dir.path() + QStringLiteral("/config")};
+    IniHelpers ini{sink, store};
+    FixedClock clock{QDateTime(QDate(2006, 11, 16), QTime(12, 0))};
+    Folders folders{dir.path(), QStringLiteral("\\themes\\Default\\")};
+    OrganiserContext ctx{folders, ini, clock, sink};
+    World() {
+        QDir().mkpath(dir.path() + QStringLiteral("/Mirel/Todo"));
+        QByteArray ini = "[AGENDA]\r\nID=5000\r\n";
+        for (int i = 0; i < 5000; ++i) {
+            const bool weekly = i % 5 == 0;
+            const QDate d = QDate(2006, 1, 1).addDays(i % 700);
+            const QByteArray date = weekly ? "00000000" : d.toString("yyyyMMdd").toLatin1();
+            QByteArray item = date + "0900\x01" + date + "1000\x01" + "Item " +
+                              QByteArray::number(i) + "\r\nsecond line\x01" + (weekly ? "1" : "0") +
+                              "\x01" + "3\x01";
+            for (int w = 0; w < 7; ++w)
+                item += QByteArray(weekly && (i + w) % 3 == 0 ? "1" : "0") + "\x01";
+            ini += QByteArray::number(i + 1) + "=" + encodeTriplets(item) + "\r\n";
+        }
+        IniFile::save(dir.path() + QStringLiteral("/Mirel/agenda.ini"), ini);
+        for (int i = 0; i < 1000; ++i) {
+            QFile f(dir.path() +
+                    QStringLiteral("/Mirel/Todo/2006%1.tod").arg(i, 10, 10, QLatin1Char('0')));
+            f.open(QIODevice::WriteOnly);
+            f.write("0\r\nTask " + QByteArray::number(i * 7919 % 1000) + "\r\n");
+        }
+    }
+};
+
+World& world() {
+    static World w;
+    return w;
+}
+
+void BM_ReadAndDecodeFloor(benchmark::State& state) {
+    world();
+    for (auto _ : state) {
+        QByteArray bytes;
+        IniFile::load(world().dir.path() + QStringLiteral("/Mirel/agenda.ini"), bytes);
+        qsizetype total = 0;
+        for (const QByteArray& line : bytes.split('\n')) {
+            const qsizetype eq = line.indexOf('=');
+            if (eq > 0)
+                total += decodeTriplets(QByteArrayView(line).sliced(eq + 1)).size();
+        }
+        benchmark::DoNotOptimize(total);
+    }
+}
+BENCHMARK(BM_ReadAndDecodeFloor)->Unit(benchmark::kMillisecond);
+
+void BM_LoadAndPresentView(benchmark::State& state) {
+    AgendaStore store(world().ctx);
+    AgendaLists lists;
+    SortedList sorted, rows{false};
+    for (auto _ : state) {
+        store.load(lists);
+        store.showList(lists, AgendaStore::View::Present, sorted, rows);
+    }
+    state.counters["rows"] = double(rows.size());
+}
+BENCHMARK(BM_LoadAndPresentView)->Unit(benchmark::kMillisecond);
+MIREL_FLOOR(BM_LoadAndPresentView, BM_ReadAndDecodeFloor);
+
+void BM_OverviewRefresh(benchmark::State& state) {
+    AgendaStore store(world().ctx);
+    AgendaLists lists;
+    store.load(lists);
+    Overview ov(world().ctx);
+    const OverviewTexts texts = ov.readTexts();
+    SortedList rows{false}, tasks;
+    for (auto _ : state)
+        ov.refresh(texts, lists, rows, tasks);
+    state.counters["rows"] = double(rows.size());
+}
+BENCHMARK(BM_OverviewRefresh)->Unit(benchmark::kMillisecond);
+MIREL_FLOOR(BM_OverviewRefresh, BM_ReadAndDecodeFloor);
+
+} // namespace

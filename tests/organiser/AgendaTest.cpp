@@ -1,0 +1,225 @@
+#include "OrganiserFixture.h"
+
+#include "organiser/AgendaEditor.h"
+#include "platform/IniDocument.h"
+#include "settings/TripletCodec.h"
+
+#include <QFileInfo>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+// An item in the stored form: start, end, text, kind, priority, 7 weekday flags.
+QByteArray item(const QByteArray& start, const QByteArray& end, const QByteArray& text,
+                int priority = 0, const QByteArray& days = "0000000") {
+    QByteArray s = start + '\x01' + end + '\x01' + text + '\x01' +
+                   (start.startsWith("00000000") ? "1" : "0") + '\x01' +
+                   QByteArray::number(priority) + '\x01';
+    for (char c : days)
+        s += QByteArray(1, c) + '\x01';
+    return s;
+}
+
+class AgendaTest : public OrganiserFixture {
+  protected:
+    AgendaStore store{ctx};
+    AgendaLists lists;
+
+    void writeStore(const QList<QByteArray>& items, int id = -1) {
+        QByteArray ini =
+            "[AGENDA]\r\nID=" + QByteArray::number(id < 0 ? items.size() : id) + "\r\n";
+        for (int i = 0; i < items.size(); ++i)
+            if (!items[i].isNull())
+                ini += QByteArray::number(i + 1) + "=" + encodeTriplets(items[i]) + "\r\n";
+        writeAll(store.path(), ini);
+    }
+    void setToday(int y, int m, int d, int h = 12, int min = 0) {
+        clock.set(QDateTime(QDate(y, m, d), QTime(h, min)));
+    }
+    QList<QByteArray> rows(AgendaStore::View v) {
+        SortedList sorted, out{false};
+        store.showList(lists, v, sorted, out);
+        QList<QByteArray> texts;
+        for (const ListEntry& e : out.entries())
+            texts.append(e.text);
+        return texts;
+    }
+};
+
+TEST_F(AgendaTest, WeeklyItemsOnEveryWeekdayAcrossTheWeekTurns) {
+    // For each "today" (a Sunday, a Monday, New Year's Eve, 28 and 29 February)
+    // an item on every weekday must land on the next such day within six days.
+    const QDate todays[] = {QDate(2006, 11, 19), QDate(2006, 11, 20), QDate(2006, 12, 31),
+                            QDate(2007, 2, 28),  QDate(2008, 2, 29),  QDate(2008, 2, 28)};
+    for (const QDate& today : todays) {
+        setToday(today.year(), today.month(), today.day());
+        QList<QByteArray> items;
+        for (int wd = 0; wd < 7; ++wd) {
+            QByteArray days = "0000000";
+            days[wd] = '1';
+            items.append(
+                item("000000000800", "000000000900", "day" + QByteArray::number(wd), 1, days));
+        }
+        writeStore(items);
+        store.load(lists);
+        ASSERT_EQ(lists.lstWeekly.size(), 7);
+        ASSERT_EQ(lists.lstAgSorted.size(), 7) << today.toString().toStdString();
+        for (const ListEntry& e : lists.lstAgSorted.entries()) {
+            const QDate date = QDate::fromString(QString::fromLatin1(e.text.left(8)), "yyyyMMdd");
+            ASSERT_TRUE(date.isValid());
+            const int wd = AgendaItem::parse(e.text).text.mid(3).toInt(); // Monday = 0
+            EXPECT_EQ(date.dayOfWeek(), wd + 1) << e.text.constData();
+            EXPECT_GE(date, today);
+            EXPECT_LE(today.daysTo(date), 6);
+            EXPECT_EQ(e.text.mid(8, 4), "0800");
+        }
+        // Headers: one per day, seven days.
+        int headers = 0;
+        for (const ListEntry& e : lists.lstAgenda.entries())
+            headers += e.itemData == -1;
+        EXPECT_EQ(headers, 7);
+        // Never in the past view.
+        EXPECT_TRUE(rows(AgendaStore::View::Past).isEmpty());
+    }
+}
+
+TEST_F(AgendaTest, PresentViewDropsDuplicatesAndPastViewIsNewestFirst) {
+    setToday(2006, 11, 16);                                                       // a Thursday
+    writeStore({item("200611210900", "200611211030", "Dentist\r\nbring card", 3), // next Tuesday
+                item("200611230000", "200611230100", "Seven days ahead"),
+                item("200701150900", "200701150900", "Far ahead"),
+                item("200611150800", "200611150900", "Yesterday early"),
+                item("200611151700", "200611151800", "Yesterday late"),
+                item("200601010000", "200601010000", "Old"),
+                item("000000000000", "000000000000", "No weekday at all")});
+    store.load(lists);
+    EXPECT_EQ(lists.lstAgSorted.size(), 2); // up to today + 7 inclusive
+    EXPECT_EQ(rows(AgendaStore::View::Present),
+              (QList<QByteArray>{"200611.21 Tuesday", "    09:00-10:30 3   Dentist",
+                                 "200611.23 Thursday", "    00:00-01:00 0   Seven days ahead",
+                                 "200701.15 Monday", "    09:00-09:00 0   Far ahead"}));
+    EXPECT_EQ(rows(AgendaStore::View::Past),
+              (QList<QByteArray>{"200611.15 Wednesday", "    17:00-18:00 0   Yesterday late",
+                                 "    08:00-09:00 0   Yesterday early", "200601.01 Sunday",
+                                 "    00:00-00:00 0   Old"}));
+}
+
+TEST_F(AgendaTest, BrokenStoresShowWhatMakesSense) {
+    setToday(2006, 11, 16);
+    writeStore({item("20061340", "x", "bad date"), QByteArray(),
+                "too\x01"
+                "few",
+                item("200611170900", "200611171000", "fine", 9, "ab")},
+               1000000000);
+    store.load(lists);
+    EXPECT_EQ(lists.lstAgUnSort.size(), 3); // the missing key 2 is skipped
+    // Positions, not key numbers, are the item data: a click finds the item.
+    EXPECT_EQ(lists.lstAgUnSort.itemData(2), 2);
+    const auto present = rows(AgendaStore::View::Present);
+    EXPECT_TRUE(present.contains("    09:00-10:00 9   fine"));
+    EXPECT_TRUE(present.contains("200613.40")); // no such date: no weekday, no crash
+
+    AgendaEditor editor(ctx, store);
+    AgendaEditorState ed;
+    editor.show(lists, 0, ed);
+    EXPECT_TRUE(ed.start.isValid());
+}
+
+TEST_F(AgendaTest, EditorTimeSteps) {
+    AgendaEditorState ed;
+    const QDateTime jan31(QDate(2007, 1, 31), QTime(9, 0));
+    ed.start = jan31;
+    ed.end = jan31.addSecs(1800);
+    AgendaEditor::step(ed, AgendaEditor::MonthUp);
+    EXPECT_EQ(ed.start, QDateTime(QDate(2007, 2, 28), QTime(9, 0)));
+    AgendaEditor::step(ed, AgendaEditor::EndHourDown);
+    EXPECT_EQ(ed.end, ed.start); // clamped to the start
+    AgendaEditor::step(ed, AgendaEditor::EndMinDown);
+    EXPECT_EQ(ed.end, ed.start);
+
+    ed.start = QDateTime(QDate(2006, 12, 31), QTime(23, 30));
+    ed.end = QDateTime(QDate(2006, 12, 31), QTime(23, 45));
+    AgendaEditor::step(ed, AgendaEditor::StartHourUp);
+    EXPECT_EQ(ed.start, QDateTime(QDate(2007, 1, 1), QTime(0, 30)));
+    EXPECT_EQ(ed.end, QDateTime(QDate(2007, 1, 1), QTime(0, 45)));
+    AgendaEditor::step(ed, AgendaEditor::YearDown);
+    EXPECT_EQ(ed.start.date(), QDate(2006, 1, 1));
+    const auto l = ed.labels();
+    EXPECT_EQ(l.month, "January");
+    EXPECT_EQ(l.startHour, "00");
+    ed.dated = false;
+    EXPECT_EQ(ed.labels().day, "--");
+    EXPECT_TRUE(ed.weekdayBoxesEnabled());
+
+    // Leap day plus a year.
+    ed.start = QDateTime(QDate(2008, 2, 29), QTime(8, 0));
+    ed.end = ed.start;
+    AgendaEditor::step(ed, AgendaEditor::YearUp);
+    EXPECT_EQ(ed.start.date(), QDate(2009, 2, 28));
+}
+
+TEST_F(AgendaTest, DaylightSavingDayKeepsWallClockSteps) {
+    qputenv("TZ", "Europe/Berlin");
+    tzset();
+    AgendaEditorState ed;
+    ed.start = QDateTime(QDate(2006, 10, 29), QTime(1, 30)); // clocks go back at 03:00
+    ed.end = ed.start.addSecs(3600);
+    for (int i = 0; i < 3; ++i)
+        AgendaEditor::step(ed, AgendaEditor::StartHourUp);
+    EXPECT_GE(ed.end, ed.start);
+    EXPECT_EQ(ed.start.date(), QDate(2006, 10, 29));
+    setToday(2006, 10, 29, 2, 30);
+    writeStore({item("000000000230", "000000000330", "on a DST day", 0, "0000001")});
+    store.load(lists);
+    ASSERT_EQ(lists.lstAgSorted.size(), 1);
+    EXPECT_TRUE(lists.lstAgSorted.text(0).startsWith("200610290230"));
+    qunsetenv("TZ");
+    tzset();
+}
+
+TEST_F(AgendaTest, SaveAddDeleteAndUnchangedWritesNothing) {
+    setToday(2006, 11, 16, 14, 37);
+    writeStore({item("200611200900", "200611201000", "first"),
+                item("200611210900", "200611211000", "second")});
+    store.load(lists);
+    AgendaEditor editor(ctx, store);
+    AgendaEditorState ed;
+    editor.show(lists, -1, ed);
+    EXPECT_EQ(ed.start, QDateTime(QDate(2006, 11, 16), QTime(14, 37)));
+    EXPECT_EQ(ed.end, QDateTime(QDate(2006, 11, 16), QTime(15, 37)));
+    EXPECT_TRUE(ed.dated);
+
+    qint16 sel = 0;
+    editor.show(lists, sel, ed);
+    const QDateTime before = QFileInfo(store.path()).lastModified();
+    const QByteArray bytes = readAll(store.path());
+    EXPECT_FALSE(editor.save(lists, sel, ed));
+    EXPECT_EQ(readAll(store.path()), bytes);
+    EXPECT_EQ(QFileInfo(store.path()).lastModified(), before);
+    EXPECT_EQ(overviewRefreshes, 1);
+
+    // Changing an item moves it to the end; switching to weekly keeps the times.
+    sel = 0;
+    editor.show(lists, sel, ed);
+    ed.dated = false;
+    ed.weekdays[0] = true;
+    EXPECT_TRUE(editor.save(lists, sel, ed));
+    ASSERT_EQ(lists.lstAgUnSort.size(), 2);
+    EXPECT_EQ(AgendaItem::parse(lists.lstAgUnSort.text(0)).text, "second");
+    EXPECT_TRUE(lists.lstAgUnSort.text(1).startsWith("000000000900\x01"
+                                                     "000000001000\x01"
+                                                     "first\x01"
+                                                     "1\x01"));
+
+    // Deleting the last leaves ID 1; key 2 may remain and is ignored.
+    sel = 1;
+    EXPECT_TRUE(editor.remove(lists, sel, ed));
+    const IniDocument doc(readAll(store.path()));
+    EXPECT_EQ(doc.value("AGENDA", "ID"), "1");
+    store.load(lists);
+    EXPECT_EQ(lists.lstAgUnSort.size(), 1);
+}
+
+} // namespace
