@@ -235,6 +235,20 @@ void IniDocument::setValues(QByteArrayView section,
     auto entryLine = [&](qsizetype i, QByteArrayView name) {
         return name.toByteArray() + '=' + entries[i].second;
     };
+    // Names still pending are added in the order of their first mention,
+    // spelled as first given, with their last value.
+    auto newLines = [&] {
+        QByteArray out;
+        for (const auto& [name, value] : entries) {
+            const QByteArray folded = toFolded(name);
+            const qsizetype last = pending.value(folded, -1);
+            if (last >= 0) {
+                out += entryLine(last, name) + kCrLf;
+                pending.remove(folded);
+            }
+        }
+        return out;
+    };
 
     const Located at = locate(m_bytes, section, {}, false);
     if (!at.header) {
@@ -242,9 +256,7 @@ void IniDocument::setValues(QByteArrayView section,
         if (!m_bytes.isEmpty() && !m_bytes.endsWith('\n'))
             add += kCrLf;
         add += '[' + section.toByteArray() + ']' + kCrLf;
-        for (qsizetype i = 0; i < entries.size(); ++i)
-            if (pending.value(toFolded(entries[i].first), -1) == i)
-                add += entryLine(i, entries[i].first) + kCrLf;
+        add += newLines();
         replaceRange(m_bytes.size(), m_bytes.size(), add);
         return;
     }
@@ -279,9 +291,7 @@ void IniDocument::setValues(QByteArrayView section,
     QByteArray add;
     if (!pending.isEmpty() && !lastHasEol)
         add += kCrLf;
-    for (qsizetype i = 0; i < entries.size(); ++i)
-        if (pending.value(toFolded(entries[i].first), -1) == i)
-            add += entryLine(i, entries[i].first) + kCrLf;
+    add += newLines();
     body.insert(insertAt, add);
     replaceRange(from, to, body);
 }

@@ -166,3 +166,35 @@ TEST(IniDocument, HugeLineAndRandomBytesDoNotBreakParsing) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(IniDocument, BatchWriteEqualsOneByOneWrites) {
+    const QByteArray start = "; c\r\n[A]\r\nk2=old\r\n\r\n[B]\r\nx=1\r\n[A]\r\nk3=dup\r\n";
+    const QList<std::pair<QByteArray, QByteArray>> kv = {
+        {"K1", "a"}, {"k2", "b"}, {"k3", "c"}, {"k1", "last wins"}};
+    IniDocument batch(start), single(start);
+    batch.setValues("a", kv);
+    for (const auto& [k, v] : kv)
+        single.setValue("a", k, v);
+    EXPECT_EQ(batch.bytes(), single.bytes());
+    EXPECT_EQ(batch.value("A", "k1"), QByteArray("last wins"));
+
+    IniDocument fresh;
+    fresh.setValues("New", kv);
+    EXPECT_EQ(fresh.bytes(), "[New]\r\nK1=last wins\r\nk2=b\r\nk3=c\r\n");
+}
+
+TEST(IniDocument, SectionValuesAgreeWithLookups) {
+    const QByteArray bytes = "[S]\r\nA=1\r\nb\r\nB=2\r\na=3\r\nq=\"x\"\r\n[s]\r\nc=4\r\n";
+    const IniDocument doc(bytes);
+    const auto all = doc.sectionValues("s");
+    for (const char* k : {"a", "b", "c", "q", "zz"}) {
+        const auto v = doc.value("S", k);
+        EXPECT_EQ(all.contains(k), v.has_value()) << k;
+        if (v)
+            EXPECT_EQ(all.value(k), *v) << k;
+    }
+}
+
+} // namespace
