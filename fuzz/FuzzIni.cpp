@@ -25,6 +25,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     doc.setValue(section.trimmed(), trimmedKey, "value");
     if (doc.value(section.trimmed(), trimmedKey) != QByteArray("value"))
         std::abort();
+    // A batch write must equal the same writes made one by one.
+    const QList<std::pair<QByteArray, QByteArray>> kv = {
+        {trimmedKey, "1"}, {"other", "2"}, {trimmedKey.toUpper(), "3"}};
+    IniDocument batch(bytes), single(bytes);
+    batch.setValues(section.trimmed(), kv);
+    for (const auto& [k, v] : kv)
+        single.setValue(section.trimmed(), k, v);
+    if (batch.bytes() != single.bytes())
+        std::abort();
     doc.removeKey(section.trimmed(), trimmedKey);
     doc.removeSection(section.trimmed());
     return 0;
