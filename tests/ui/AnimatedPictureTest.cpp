@@ -10,7 +10,9 @@ using namespace mirel::test;
 
 namespace {
 
-QByteArray gif(const char* name) { return readAll(testData(QStringLiteral("skins/Basic/") + name)); }
+QByteArray gif(const char* name) {
+    return readAll(testData(QStringLiteral("skins/Basic/") + name));
+}
 
 TEST(AnimatedPictureTest, FramesAndDelaysFromTheFile) {
     // Made with ImageMagick: three 8x8 frames at 10, 20 and 5 hundredths.
