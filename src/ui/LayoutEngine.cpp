@@ -155,7 +155,7 @@ void LayoutEngine::ClearScreen(SkinHost& host) {
     for (PlacedPart part :
          {PlacedPart::MonthPicture, PlacedPart::HtmlFrame, PlacedPart::MessageBody,
           PlacedPart::MessageList, PlacedPart::AttachmentList, PlacedPart::HtmlView})
-        if (QWidget* w = host.placed(part))
+        if (QWidget* w = host.placedIfAny(part))
             w->hide();
     for (int i = 0; i < 2; ++i)
         host.modeButton(i)->hide();
