@@ -205,7 +205,6 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
         const QString command = Cp1252::toUnicode(entry.command);
         b->setObjectName(QStringLiteral("imgBut%1").arg(index));
         b->setAccessibleName(command.isEmpty() ? QStringLiteral("imgBut %1").arg(index) : command);
-        b->setToolTip(QString());
         QObject::connect(b, &SkinButton::clicked, &host, [h = &host, index] {
             if (!h->state().closing)
                 h->buttonClicked(index);
