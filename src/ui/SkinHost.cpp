@@ -214,6 +214,30 @@ void SkinHost::startHoverTimer() {
     m_hoverTimer.start();
 }
 
+void SkinHost::selectPriority(int slot) {
+    if (slot < 0 || slot >= int(m_state.tables.prioritySlots.size()))
+        return;
+    const int previous = m_state.selectedPriorityButton;
+    const int next = m_state.tables.prioritySlots[slot];
+    if (previous != next)
+        if (SkinButton* b = button(previous))
+            b->setLit(b->hovered);
+    m_state.selectedPriorityButton = next;
+    if (SkinButton* b = button(next))
+        b->setLit(true);
+}
+
+void SkinHost::setButtonPicture(int index, const QString& path) {
+    if (index < 1 || index > m_state.buttonCount())
+        return;
+    m_state.tables.buttons[index - 1].picturePath = path;
+    if (SkinButton* b = button(index)) {
+        const bool lit = b->isLit();
+        b->setPicture(path);
+        b->setLit(lit);
+    }
+}
+
 void SkinHost::buttonClicked(int) {}
 
 void SkinHost::adoptControl(QWidget* control, CreatedKind kind) {
