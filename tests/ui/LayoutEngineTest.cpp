@@ -111,7 +111,8 @@ TEST_F(LayoutEngineTest, ScreenSectionAndClearReturnExactlyToTheRecordedState) {
     EXPECT_EQ(host->textBox(1)->font().pointSize(), 9);
 
     QPointer<QWidget> screenButton = host->button(6);
-    host->state().selectedPriorityButton = 3;
+    host->selectPriority(0);
+    ASSERT_TRUE(host->button(3)->isLit());
     engine.ClearScreen(*host);
     EXPECT_TRUE(screenButton.isNull());
     EXPECT_EQ(host->controlCount(), controlsBefore);
@@ -128,6 +129,7 @@ TEST_F(LayoutEngineTest, ScreenSectionAndClearReturnExactlyToTheRecordedState) {
     EXPECT_EQ(host->generalList(), nullptr);
     EXPECT_EQ(host->button(6), nullptr);
     EXPECT_NE(host->button(4), nullptr);
+    EXPECT_FALSE(host->button(3)->isLit());
 
     // A second visit builds the same screen again from the same starting point.
     engine.LayoutSection(*host, "Notes", skin);
