@@ -380,6 +380,16 @@ void SkinHost::mouseMoveEvent(QMouseEvent* event) {
     QWidget::mouseMoveEvent(event);
 }
 
+void SkinHost::mousePressEvent(QMouseEvent* event) {
+    runHover();
+    QWidget::mousePressEvent(event);
+}
+
+void SkinHost::mouseReleaseEvent(QMouseEvent* event) {
+    runHover();
+    QWidget::mouseReleaseEvent(event);
+}
+
 void SkinHost::runHover() {
     HoverPass(*this);
 }
