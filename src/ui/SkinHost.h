@@ -9,21 +9,20 @@
 #include "ui/AnimatedPicture.h"
 #include "ui/SkinButton.h"
 
+#include <QCheckBox>
 #include <QColor>
+#include <QLabel>
+#include <QLineEdit>
 #include <QList>
+#include <QListWidget>
 #include <QMap>
 #include <QPixmap>
 #include <QPointer>
+#include <QRadioButton>
+#include <QTextEdit>
 #include <QTimer>
 #include <QWidget>
 #include <array>
-
-#include <QCheckBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
-#include <QTextEdit>
 
 namespace mirel {
 
@@ -88,6 +87,7 @@ class SkinHost : public QWidget {
 
     /// Starts the 100 ms hover pass.
     void startHoverTimer();
+    QTimer& hoverTimer() { return m_hoverTimer; }
 
     /// Makes the button in priority slot n (0..7) the selected one, lit,
     /// and shows the previously selected one normally; no button in the slot
@@ -96,7 +96,6 @@ class SkinHost : public QWidget {
     /// Gives button i another picture (table and widget); used by screens
     /// that swap the pictures of role buttons.
     void setButtonPicture(int index, const QString& path);
-    QTimer& hoverTimer() { return m_hoverTimer; }
 
     /// A skin button was clicked (index into the button table).
     virtual void buttonClicked(int index);
