@@ -346,10 +346,10 @@ bool SkinHost::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::MouseMove:
     case QEvent::MouseButtonPress:
-        runHover();
+        hoverAt(qobject_cast<QWidget*>(watched), static_cast<QMouseEvent*>(event));
         break;
     case QEvent::MouseButtonRelease:
-        runHover();
+        hoverAt(qobject_cast<QWidget*>(watched), static_cast<QMouseEvent*>(event));
         if (!m_state.closing && watched) {
             // Lists report a release to the window, which picks the screen's reaction.
             auto* w = qobject_cast<QWidget*>(watched);
@@ -376,18 +376,30 @@ void SkinHost::paintEvent(QPaintEvent* event) {
 }
 
 void SkinHost::mouseMoveEvent(QMouseEvent* event) {
-    runHover();
+    hoverAt(this, event);
     QWidget::mouseMoveEvent(event);
 }
 
 void SkinHost::mousePressEvent(QMouseEvent* event) {
-    runHover();
+    hoverAt(this, event);
     QWidget::mousePressEvent(event);
 }
 
 void SkinHost::mouseReleaseEvent(QMouseEvent* event) {
-    runHover();
+    hoverAt(this, event);
     QWidget::mouseReleaseEvent(event);
+}
+
+void SkinHost::hoverAt(QWidget* receiver, const QMouseEvent* event) {
+    if (!receiver) {
+        runHover();
+        return;
+    }
+    // The event already says where the pointer is and which widget has it;
+    // the deepest child at that point is the one under the pointer.
+    const QPoint local = event->position().toPoint();
+    QWidget* under = receiver->childAt(local);
+    HoverPass(*this, event->globalPosition().toPoint(), under ? under : receiver);
 }
 
 void SkinHost::runHover() {

@@ -123,6 +123,7 @@ class SkinHost : public QWidget {
 
   private:
     void runHover();
+    void hoverAt(QWidget* receiver, const QMouseEvent* event);
 
     SkinState m_state;
     SoundPlayer* m_sounds = nullptr;

@@ -4,7 +4,6 @@
 #include "ui/SkinButton.h"
 
 #include <QApplication>
-#include <QCursor>
 #include <QMouseEvent>
 
 using namespace mirel;
@@ -99,16 +98,21 @@ TEST_F(HoverPassTest, NothingWhileClosing) {
     EXPECT_EQ(sounds.requestCount(), 0);
 }
 
-TEST_F(HoverPassTest, MouseMovementOverAControlRunsThePass) {
+TEST_F(HoverPassTest, MouseEventsOverTheWindowRunThePass) {
+    auto send = [](QWidget* to, QEvent::Type type, QPoint local) {
+        QMouseEvent e(type, local, to->mapToGlobal(local), Qt::NoButton, Qt::NoButton,
+                      Qt::NoModifier);
+        QApplication::sendEvent(to, &e);
+    };
     SkinButton* b = host->button(2);
-    const QPoint global = b->mapToGlobal(b->rect().center());
-    QCursor::setPos(global);
-    if (QCursor::pos() != global || QApplication::widgetAt(global) != b)
-        GTEST_SKIP() << "this platform plugin does not move the pointer";
-    QMouseEvent move(QEvent::MouseMove, b->rect().center(), global, Qt::NoButton, Qt::NoButton,
-                     Qt::NoModifier);
-    QApplication::sendEvent(b, &move);
+    send(b, QEvent::MouseMove, b->rect().center());
     EXPECT_TRUE(lit(2));
+    // Moving over the bare window: the pointer left the button.
+    send(host.get(), QEvent::MouseMove, QPoint(500, 500));
+    EXPECT_FALSE(lit(2));
+    // The window's own event at a button's spot finds the button under it.
+    send(host.get(), QEvent::MouseButtonPress, host->button(3)->geometry().center());
+    EXPECT_TRUE(lit(3));
 }
 
 } // namespace
