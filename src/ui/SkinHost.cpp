@@ -312,7 +312,9 @@ void SkinHost::removeLastControl() {
     // still inside its own signal: it goes now from screen and from every
     // table, and is deleted once control is back in the event loop.
     w->hide();
-    w->disconnect();
+    // Only our own connections: others (the accessibility cache watching
+    // for its destruction, among them) must still hear of it.
+    QObject::disconnect(w, nullptr, this, nullptr);
     w->removeEventFilter(this);
     w->deleteLater();
 }

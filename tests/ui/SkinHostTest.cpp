@@ -60,6 +60,19 @@ TEST_F(SkinHostTest, EveryCreatedControlHasAnAccessibleName) {
     }
 }
 
+TEST_F(SkinHostTest, ClearedControlsLeaveTheAccessibilityTree) {
+    // A screen reader that saw a control must learn of its end, or a later
+    // control at the same address would inherit the stale entry.
+    engine.LayoutSection(*host, "DEFAULT", skin);
+    engine.LayoutSection(*host, "Notes", skin);
+    QAccessibleInterface* iface = QAccessible::queryAccessibleInterface(host->button(6));
+    ASSERT_TRUE(iface);
+    const QAccessible::Id id = QAccessible::uniqueId(iface);
+    engine.ClearScreen(*host);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(QAccessible::accessibleInterface(id), nullptr);
+}
+
 TEST_F(SkinHostTest, ClearingTouchesOnlyWhatExists) {
     engine.LayoutSection(*host, "DEFAULT", skin);
     engine.ClearScreen(*host);
