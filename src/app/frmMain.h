@@ -6,7 +6,7 @@ namespace mirel {
 /// The main window; it lives for the whole run and owns every screen control.
 class frmMain : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit frmMain(QWidget* parent = nullptr);
 };
 
