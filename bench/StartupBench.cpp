@@ -44,7 +44,9 @@ int runFloorWindowIfAsked() {
 }
 const int floorMode = runFloorWindowIfAsked();
 
-QString selfPath() { return QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget(); }
+QString selfPath() {
+    return QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget();
+}
 
 QString mirelPath() {
     const QByteArray env = qgetenv("MIREL_BIN");

@@ -58,7 +58,9 @@ frmMain::frmMain(SettingsStore& store, MessageSink& messages, const Clock& clock
 
 frmMain::~frmMain() = default;
 
-QString frmMain::terminalSkn() const { return m_folders.themeFile(QStringLiteral("terminal.skn")); }
+QString frmMain::terminalSkn() const {
+    return m_folders.themeFile(QStringLiteral("terminal.skn"));
+}
 
 bool frmMain::stopStarting() {
     if (m_exitPending && !m_ended) {
@@ -115,8 +117,8 @@ frmMain::StartResult frmMain::Form_Load() {
         SkinContext{m_folders, m_ini, m_sounds.get(), m_switches.Animated, m_switches.AnimDelay});
 
     const QString skin = m_folders.skinFile();
-    m_dhtmlMessage = m_ini.ReadIniKey("DEFAULT", "NoDhtmlEd", skin) ? m_ini.IniValue
-                                                                    : kDefaultDhtmlMessage;
+    m_dhtmlMessage =
+        m_ini.ReadIniKey("DEFAULT", "NoDhtmlEd", skin) ? m_ini.IniValue : kDefaultDhtmlMessage;
     if (m_ini.ReadIniKey("DEFAULT", "BackGround", skin)) {
         const Rgb c = parseRgb(m_ini.IniValue);
         setBackgroundColour(QColor(c.r, c.g, c.b));
@@ -325,7 +327,9 @@ void frmMain::overviewListReleased() {
     jumpFromOverview();
 }
 
-void frmMain::modeButtonClicked(int) { refreshAgendaEditor(); }
+void frmMain::modeButtonClicked(int) {
+    refreshAgendaEditor();
+}
 
 void frmMain::openWithDesktop(const QByteArray& command) {
     const OpenCommand open = OpenCommand::parse(command);

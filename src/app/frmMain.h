@@ -35,7 +35,7 @@ class SoundPlayer;
 /// The main window: start-up, mailboxes, ClickButton, ShowScreen, shut-down.
 class frmMain : public SkinHost {
     Q_OBJECT
-public:
+  public:
     enum class StartResult { Ready, AlreadyRunning, Ended };
 
     frmMain(SettingsStore& store, MessageSink& messages, const Clock& clock,
@@ -82,10 +82,10 @@ public:
     void overviewListReleased() override;
     void modeButtonClicked(int index) override;
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     void pollMailboxes();
     void dispatch(const QByteArray& command);
     void selectPriority(int priority);

@@ -1,10 +1,10 @@
-#include "app/ShellValues.h"
 #include "app/frmMain.h"
+#include "TestSupport.h"
+#include "app/ShellValues.h"
 #include "platform/Clock.h"
 #include "platform/SettingsStore.h"
 #include "skin/SkinState.h"
 #include "ui/SkinButton.h"
-#include "TestSupport.h"
 
 #include <QDir>
 #include <QEventLoop>
