@@ -288,7 +288,6 @@ void frmMain::ShutDown() {
     state().closing = true;
     if (m_engine && !state().currentScreen.isEmpty())
         m_engine->ClearScreen(*this);
-    state().closing = true;
 
     if (m_folders.ProgramDir.size())
         m_switches.readAnimation(m_ini, terminalSkn());

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <gtest/gtest.h>
+#include <random>
 
 using namespace mirel;
 
@@ -120,4 +121,27 @@ TEST(BusyFlag, DropsNestedClicksAndClearsAfterwards) {
     EXPECT_FALSE(flag.busy());
     click(click, 0);
     EXPECT_EQ(ran, 2);
+}
+
+TEST(OpenCommand, ArbitraryCommandsSplitWithoutLoss) {
+    // Skins are outside input: whatever a command holds, the split must not
+    // crash and must keep every byte on one side or the other.
+    std::mt19937 rng(1234);
+    const QByteArray alphabet("ab \"\\:/-\x01\xe9\xff");
+    for (int n = 0; n < 20000; ++n) {
+        QByteArray c;
+        const int len = int(rng() % 12);
+        for (int i = 0; i < len; ++i)
+            c += alphabet[int(rng() % alphabet.size())];
+        const OpenCommand o = OpenCommand::parse(c);
+        if (c.startsWith('"')) {
+            const bool closed = c.indexOf('"', 1) > 0;
+            EXPECT_EQ('"' + o.program + (closed ? "\"" : "") + o.parameters, c);
+        } else if (o.parameters.isEmpty() && !c.mid(1).contains(' ')) {
+            EXPECT_EQ(o.program, c);
+        } else {
+            EXPECT_EQ(o.program + ' ' + o.parameters, c);
+            EXPECT_FALSE(o.program.mid(1).contains(' '));
+        }
+    }
 }

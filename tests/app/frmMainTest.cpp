@@ -8,7 +8,10 @@
 
 #include <QDir>
 #include <QEventLoop>
+#include <QFileInfo>
+#include <QGuiApplication>
 #include <QListWidget>
+#include <QScreen>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -221,4 +224,52 @@ TEST(frmMain, QuitTakesEveryControlDown) {
     EXPECT_EQ(w.state().currentScreen, "");
     m.click("TODO");
     EXPECT_EQ(w.state().currentScreen, "") << "nothing reacts after shut-down";
+}
+
+namespace {
+
+/// Points XDG_DATA_HOME somewhere else for one test.
+class DataHome {
+  public:
+    explicit DataHome(const QString& path) : m_old(qgetenv("XDG_DATA_HOME")) {
+        qputenv("XDG_DATA_HOME", path.toUtf8());
+    }
+    ~DataHome() { qputenv("XDG_DATA_HOME", m_old); }
+
+  private:
+    QByteArray m_old;
+};
+
+} // namespace
+
+TEST(frmMain, FirstStartCopiesTheBundledThemeAndFillsTheWorkArea) {
+    test::TempDir dir;
+    DataHome home(dir.file("data"));
+    QDir().mkpath(dir.file("bundled"));
+    test::writeAll(dir.file("bundled/terminal.skn"), "[DEFAULT]\r\nSound=0\r\n");
+    test::writeAll(dir.file("bundled/Mirel.skn"), kSkin);
+
+    SettingsStore store(dir.file("config"));
+    test::RecordingMessageSink sink;
+    SystemClock clock;
+    frmMain w(store, sink, clock);
+    w.setSingleInstanceEnabled(false);
+    w.setBundledThemeCandidates({dir.file("missing"), dir.file("bundled")});
+    ASSERT_EQ(w.Form_Load(), frmMain::StartResult::Ready);
+
+    EXPECT_EQ(w.folders().ProgramDir, dir.file("data/mirel"));
+    EXPECT_TRUE(QFileInfo(dir.file("data/mirel/themes/Default/terminal.skn")).isFile());
+    EXPECT_EQ(w.state().buttonCount(), 7) << "laid out from the copied theme";
+    EXPECT_EQ(w.geometry(), QGuiApplication::primaryScreen()->availableGeometry());
+}
+
+TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
+    Main m;
+    m.store.SaveSetting(kFamilyApp, "General", "Running", "True");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Left", "40");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Top", "30");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Right", "840");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Bottom", "630");
+    frmMain& w = m.start();
+    EXPECT_EQ(w.geometry(), QRect(40, 30, 800, 600));
 }
