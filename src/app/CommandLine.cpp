@@ -30,6 +30,15 @@ CommandLine CommandLine::parse(const QStringList& args) {
     return out;
 }
 
+QByteArray CommandLine::storedForm(const QByteArray& command) {
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    const bool quoted = command.size() >= 2 && command.startsWith('"') && command.endsWith('"');
+    const bool padded = !command.isEmpty() && (blank(command.front()) || blank(command.back()));
+    if (quoted || padded)
+        return '"' + command + '"';
+    return command;
+}
+
 int CommandLine::deliver(SettingsStore& store, const QString& serverName, QString* message) const {
     QString error;
     switch (mode) {
@@ -54,7 +63,7 @@ int CommandLine::deliver(SettingsStore& store, const QString& serverName, QStrin
                 *message = QStringLiteral("mirel: no running instance to send the command to");
             return 1;
         }
-        if (!store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, command, &error)) {
+        if (!store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, storedForm(command), &error)) {
             if (message)
                 *message = QStringLiteral("mirel: cannot write the command mailbox: ") + error;
             return 1;

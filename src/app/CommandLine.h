@@ -23,6 +23,11 @@ struct CommandLine {
 
     static QString usage();
 
+    /// The command as it must be written into the store so that it reads
+    /// back unchanged: the store trims values and drops one pair of quotes
+    /// around them, so such commands travel inside an extra pair.
+    static QByteArray storedForm(const QByteArray& command);
+
     /// Carries out Send or Quit against store; serverName identifies the
     /// running instance. Returns the process exit code; *message receives
     /// what to print (empty when nothing).

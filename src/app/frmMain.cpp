@@ -143,6 +143,7 @@ frmMain::StartResult frmMain::Form_Load() {
     m_engine->LayoutSection(*this, "DEFAULT", skin);
     if (stopStarting())
         return StartResult::Ended;
+    startHoverTimer();
 
     prepareDataFolders();
     readOverviewTexts();
