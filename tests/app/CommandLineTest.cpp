@@ -42,7 +42,7 @@ TEST(CommandLine, OnlySendAndQuitAreOptions) {
 TEST(CommandLine, CommandsReadBackFromTheStoreUnchanged) {
     test::TempDir dir;
     SettingsStore store(dir.path());
-    for (const QByteArray c :
+    for (const QByteArray& c :
          {QByteArray("NOTES"), QByteArray("\"/bin/sh\" -c \"pwd\""), QByteArray("\"x\""),
           QByteArray("\""), QByteArray(" lead"), QByteArray("trail\t"), QByteArray("a \"b\" c")}) {
         store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, CommandLine::storedForm(c));
