@@ -174,10 +174,16 @@ void frmMain::pollMailboxes() {
     if (m_poller.poll(m_ready, buttons) != MailboxPoller::Outcome::ShutDown)
         return;
     m_mailboxTimer.stop();
-    if (m_starting)
+    if (m_starting || m_busy.busy()) {
+        // Taking the window down under a running step would pull controls
+        // from under it; the step finishes first. An open dialog is closed
+        // as if cancelled, so that happens at once.
         m_exitPending = true;
-    else
-        ShutDown();
+        if (QWidget* modal = QApplication::activeModalWidget())
+            modal->close();
+        return;
+    }
+    ShutDown();
 }
 
 void frmMain::ClickButton(int index) {
@@ -185,9 +191,19 @@ void frmMain::ClickButton(int index) {
         return;
     if (index < 1 || index > state().buttonCount())
         return;
-    BusyFlag::Scope busy(m_busy);
-    if (!busy.acquired())
-        return;
+    {
+        BusyFlag::Scope busy(m_busy);
+        if (!busy.acquired())
+            return;
+        runClick(index);
+    }
+    // An exit request that came while the command ran (a dialog was open or
+    // a screen was building up) is carried out now that it has unwound.
+    if (m_exitPending && !m_starting && !m_ended)
+        ShutDown();
+}
+
+void frmMain::runClick(int index) {
     // A copy: the command may switch screens and cut the table back.
     const SkinButtonEntry entry = state().button(index);
 
@@ -197,7 +213,7 @@ void frmMain::ClickButton(int index) {
                                   m_folders.skinOverrideFile())) {
         playTerminalSound("PassStartSound");
         const QByteArray entered = askPassword();
-        if (!PasswordGate::accepts(entered, m_userPassword)) {
+        if (m_exitPending || !PasswordGate::accepts(entered, m_userPassword)) {
             playTerminalSound("PassFailSound");
             return;
         }

@@ -6,9 +6,9 @@
 // States: created (start-up running, Ready false) -> ready (input accepted)
 // -> closing (controls being taken down) -> ended. The exit mailbox is
 // honoured in every state; the command mailbox only when ready. While the
-// start-up sequence runs, an exit request found by the timer is carried out
-// at the sequence's next step, so the sequence never continues over a window
-// that has already been taken down.
+// start-up sequence or a command runs, an exit request found by the timer is
+// carried out as soon as that step has finished (an open dialog is closed as
+// cancelled), so no step ever continues over a window already taken down.
 #include "app/BusyFlag.h"
 #include "app/MailboxPoller.h"
 #include "app/ThemeSwitches.h"
@@ -87,6 +87,7 @@ class frmMain : public SkinHost {
 
   private:
     void pollMailboxes();
+    void runClick(int index);
     void dispatch(const QByteArray& command);
     void selectPriority(int priority);
     void openWithDesktop(const QByteArray& command);

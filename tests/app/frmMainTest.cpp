@@ -6,6 +6,7 @@
 #include "skin/SkinState.h"
 #include "ui/SkinButton.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
@@ -272,4 +273,22 @@ TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
     m.store.SaveSetting(kFamilyApp, "Screen", "Bottom", "630");
     frmMain& w = m.start();
     EXPECT_EQ(w.geometry(), QRect(40, 30, 800, 600));
+}
+
+TEST(frmMain, ExitWhileThePasswordDialogIsOpenCancelsItAndShutsDown) {
+    Main m;
+    frmMain& w = m.start();
+    w.setPasswordPrompt({}); // the real skinned dialog
+    QTimer::singleShot(50, [&] {
+        EXPECT_NE(QApplication::activeModalWidget(), nullptr);
+        m.store.SaveSetting(kFamilyApp, kExitSection, kExitKey, "1");
+    });
+    QTimer::singleShot(5000, [] { // never hang the suite
+        if (QWidget* modal = QApplication::activeModalWidget())
+            modal->close();
+    });
+    m.click("\"/opt/my tool\" -a");
+    EXPECT_TRUE(w.ended());
+    EXPECT_TRUE(m.opened.isEmpty()) << "the interrupted command does not run";
+    EXPECT_EQ(w.controlCount(), 0);
 }
