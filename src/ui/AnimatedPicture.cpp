@@ -14,11 +14,15 @@ GifFrames readGifFrames(const QByteArray& bytes) {
     // A corrupt file can claim huge dimensions; refuse rather than allocate.
     reader.setAllocationLimit(64);
     // Frame count and delays come from the decoder; a broken frame ends the
-    // animation there and keeps what was read before it.
-    for (int guard = 0; guard < 10000; ++guard) {
+    // animation there and keeps what was read before it. The budget keeps a
+    // file of endless large frames from eating the memory.
+    qint64 budget = qint64(256) * 1024 * 1024;
+    constexpr int kMaxFrames = 5000;
+    while (budget > 0 && out.pictures.size() < kMaxFrames) {
         QImage frame;
         if (!reader.read(&frame) || frame.isNull())
             break;
+        budget -= frame.sizeInBytes() + 1024; // with what a picture costs beside its pixels
         out.pictures.append(QPixmap::fromImage(frame));
         out.delays.append(qMax(0, reader.nextImageDelay()));
         if (!reader.canRead())
@@ -30,7 +34,6 @@ GifFrames readGifFrames(const QByteArray& bytes) {
 AnimatedPicture::AnimatedPicture(GifFrames frames, QWidget* parent)
     : QLabel(parent), m_frames(std::move(frames)) {
     setScaledContents(true);
-    m_timer.setParent(this);
     connect(&m_timer, &QTimer::timeout, this, &AnimatedPicture::AnimationTick);
     if (!m_frames.pictures.isEmpty())
         showFrame(0);

@@ -155,7 +155,7 @@ void LayoutEngine::ClearScreen(SkinHost& host) {
     for (PlacedPart part :
          {PlacedPart::MonthPicture, PlacedPart::HtmlFrame, PlacedPart::MessageBody,
           PlacedPart::MessageList, PlacedPart::AttachmentList, PlacedPart::HtmlView})
-        if (QWidget* w = host.placed(part))
+        if (QWidget* w = host.placedIfAny(part))
             w->hide();
     for (int i = 0; i < 2; ++i)
         host.modeButton(i)->hide();
@@ -205,7 +205,6 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
         const QString command = Cp1252::toUnicode(entry.command);
         b->setObjectName(QStringLiteral("imgBut%1").arg(index));
         b->setAccessibleName(command.isEmpty() ? QStringLiteral("imgBut %1").arg(index) : command);
-        b->setToolTip(QString());
         QObject::connect(b, &SkinButton::clicked, &host, [h = &host, index] {
             if (!h->state().closing)
                 h->buttonClicked(index);

@@ -255,8 +255,11 @@ void SkinHost::removeLastControl() {
 
 void SkinHost::trimToTables() {
     const SkinTables& t = m_state.tables;
-    while (m_controls.size() > t.controls)
+    // removeLastControl keeps the table's count in step, so take the target first.
+    const int keep = qMax(0, t.controls);
+    while (m_controls.size() > keep)
         removeLastControl();
+    m_state.tables.controls = keep;
     cut(m_buttons, int(t.buttons.size()));
     cut(m_pictures, t.pictures);
     cut(m_textBoxes, t.textBoxes);

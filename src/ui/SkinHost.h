@@ -75,6 +75,7 @@ class SkinHost : public QWidget {
     QRadioButton* modeButton(int i) const; // 0..1
     QCheckBox* checkButton(int i) const;   // 0..6
     QWidget* placed(PlacedPart part);      // created on first use
+    QWidget* placedIfAny(PlacedPart part) const { return m_placed.value(part); }
     void setPlaced(PlacedPart part, QWidget* widget);
     /// SP controls by key: "emailaccounts", "emailbut3", "emailtextcc", ...
     QWidget* special(const QByteArray& key); // created on first use
