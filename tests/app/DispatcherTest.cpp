@@ -42,14 +42,6 @@ TEST(CommandTable, MatchesWholeUpperCasedNames) {
     }
 }
 
-TEST(CommandTable, ScreenCommandsNameTheirSections) {
-    EXPECT_EQ(screenOf(matchCommand("address").command), "Address");
-    EXPECT_EQ(screenOf(matchCommand("TODO").command), "Todo");
-    EXPECT_EQ(screenOf(matchCommand("EMAIL").command), "Email");
-    EXPECT_EQ(screenOf(matchCommand("NOTEADD").command), "");
-    EXPECT_EQ(screenOf(Command::None), "");
-}
-
 TEST(OpenCommand, SplitsProgramAndParameters) {
     struct Row {
         const char* command;

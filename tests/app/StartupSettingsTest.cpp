@@ -133,11 +133,3 @@ TEST(PasswordGate, FlagIsTheNinthFieldOverrideFirst) {
     EXPECT_EQ(PasswordGate::keyName(7), "07");
     EXPECT_EQ(PasswordGate::keyName(12), "12");
 }
-
-TEST(PasswordGate, ExactComparison) {
-    EXPECT_TRUE(PasswordGate::accepts("", ""));
-    EXPECT_FALSE(PasswordGate::accepts(" ", ""));
-    EXPECT_FALSE(PasswordGate::accepts("", "secret"));
-    EXPECT_FALSE(PasswordGate::accepts("Secret", "secret"));
-    EXPECT_TRUE(PasswordGate::accepts("secret", "secret"));
-}

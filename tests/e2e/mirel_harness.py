@@ -100,6 +100,10 @@ class Session:
             "XDG_DATA_HOME": os.path.join(self.tmp, "data"),
             "MIREL_READY_MARKER": "1",
         })
+        if "XDG_RUNTIME_DIR" not in os.environ:
+            runtime = os.path.join(self.tmp, "run")
+            os.makedirs(runtime, mode=0o700)
+            self.env["XDG_RUNTIME_DIR"] = runtime
         self.env.update(extra_env or {})
         self.display = display
         self.proc = None
