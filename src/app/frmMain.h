@@ -18,9 +18,9 @@
 #include "ui/SkinHost.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QTimer>
 #include <array>
+#include <functional>
 #include <memory>
 
 namespace mirel {
