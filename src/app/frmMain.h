@@ -108,7 +108,7 @@ class frmMain : public SkinHost {
     void prepareDataFolders() {}
     void readOverviewTexts() {}
     void loadAgenda() {}
-    void showOverview() {}
+    void showOverview();
     void fillScreen(const QByteArray& screen) {}
     void showListEntry(const QByteArray& screen) {}
     void jumpFromOverview() {}
