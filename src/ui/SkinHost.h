@@ -88,6 +88,14 @@ class SkinHost : public QWidget {
 
     /// Starts the 100 ms hover pass.
     void startHoverTimer();
+
+    /// Makes the button in priority slot n (0..7) the selected one, lit,
+    /// and shows the previously selected one normally; no button in the slot
+    /// selects none.
+    void selectPriority(int slot);
+    /// Gives button i another picture (table and widget); used by screens
+    /// that swap the pictures of role buttons.
+    void setButtonPicture(int index, const QString& path);
     QTimer& hoverTimer() { return m_hoverTimer; }
 
     /// A skin button was clicked (index into the button table).
@@ -111,6 +119,8 @@ class SkinHost : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
   private:
     void runHover();
