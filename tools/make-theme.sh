@@ -207,14 +207,14 @@ dialog() {
     convert -size ${w}x${h} "xc:$MASK" "$TMP/art.png" "$TMP/mask.png" -composite \
         -strip -define png:exclude-chunks=date,time "PNG24:$OUT/$name"
 }
-dialog dlg_input.png 400 150 "INPUT"
-dialog dlg_move.png 340 380 "MOVE TO FOLDER"
-dialog dlg_config.png 420 400 "MAIL FOLDERS"
-dialog dlg_accounts.png 660 460 "MAIL ACCOUNTS"
-dialog dlg_sendrecv.png 540 360 "SEND / RECEIVE"
-dialog dlg_import.png 660 470 "IMPORT ADDRESSES"
-dialog dlg_compose.png 940 540 "NEW MESSAGE"
-dialog dlg_emailto.png 440 450 "ADDRESS BOOK"
+dialog bg_input.png 400 150 "INPUT"
+dialog bg_move.png 340 380 "MOVE TO FOLDER"
+dialog bg_config.png 420 400 "MAIL FOLDERS"
+dialog bg_accounts.png 660 460 "MAIL ACCOUNTS"
+dialog bg_sendrecv.png 540 360 "SEND / RECEIVE"
+dialog bg_import.png 660 470 "IMPORT ADDRESSES"
+dialog bg_compose.png 940 540 "NEW MESSAGE"
+dialog bg_emailto.png 440 450 "ADDRESS BOOK"
 
 echo "compose tool bar"
 # Fixed tool bar of the compose window: 0 paragraph format, 1-3 bold italic
@@ -340,26 +340,26 @@ $S "$OUT/click.wav" synth 0.035 sine 1700 fade q 0.002 0.035 0.03 gain -16
 $S "$OUT/hover.wav" synth 0.02 sine 2800 fade q 0.002 0.02 0.018 gain -26
 tone l1 0.05 1320 0.045 -18
 tone l2 0.07 1760 0.06 -18
-sox "$TMP/l1.wav" "$TMP/l2.wav" "$OUT/load.wav"
+sox -R -D "$TMP/l1.wav" "$TMP/l2.wav" "$OUT/load.wav"
 # Start-up: a rising arpeggio with a little room.
 tone s1 0.14 523.25 0.1 -16
 tone s2 0.14 659.25 0.1 -16
 tone s3 0.14 783.99 0.1 -16
 tone s4 0.5 1046.5 0.46 -16
-sox "$TMP/s1.wav" "$TMP/s2.wav" "$TMP/s3.wav" "$TMP/s4.wav" "$OUT/start.wav" reverb 30 50 60 pad 0 0.2 norm -14
+sox -R -D "$TMP/s1.wav" "$TMP/s2.wav" "$TMP/s3.wav" "$TMP/s4.wav" "$OUT/start.wav" reverb 30 50 60 pad 0 0.2 norm -14
 tone p1 0.09 659.25 0.07 -16
 tone p2 0.12 880 0.1 -16
-sox "$TMP/p1.wav" "$TMP/p2.wav" "$OUT/passstart.wav"
+sox -R -D "$TMP/p1.wav" "$TMP/p2.wav" "$OUT/passstart.wav"
 $S "$TMP/f1.wav" synth 0.14 triangle 440 fade q 0.004 0.14 0.1 gain -15
 $S "$TMP/f2.wav" synth 0.28 triangle 311.13 fade q 0.004 0.28 0.24 gain -15
-sox "$TMP/f1.wav" "$TMP/f2.wav" "$OUT/passfail.wav"
+sox -R -D "$TMP/f1.wav" "$TMP/f2.wav" "$OUT/passfail.wav"
 tone o1 0.07 1046.5 0.05 -16
 tone o2 0.07 1318.5 0.05 -16
 tone o3 0.22 1568 0.2 -16
-sox "$TMP/o1.wav" "$TMP/o2.wav" "$TMP/o3.wav" "$OUT/passok.wav"
+sox -R -D "$TMP/o1.wav" "$TMP/o2.wav" "$TMP/o3.wav" "$OUT/passok.wav"
 # Mail in: a two-note chime that rings out; mail out: a short upward sweep.
 tone m1 0.45 783.99 0.42 -15
 tone m2 0.6 1174.66 0.58 -15
-sox "$TMP/m1.wav" "$TMP/m2.wav" "$OUT/mailin.wav" reverb 20 50 40 pad 0 0.1 norm -15
+sox -R -D "$TMP/m1.wav" "$TMP/m2.wav" "$OUT/mailin.wav" reverb 20 50 40 pad 0 0.1 norm -15
 $S "$OUT/mailout.wav" synth 0.3 sine 500-1900 fade q 0.03 0.3 0.2 gain -18
 echo "done: $(du -sh "$OUT" | cut -f1) in $OUT"

@@ -160,7 +160,7 @@ SAMPLES = {
 LABEL_SAMPLES = {"DAY": "22", "MONTH": "November", "YEAR": "2026", "SHOUR": "14",
                  "SMIN": "30", "EHOUR": "15", "EMIN": "30",
                  "STAMP": "202611.22 21:14:05"}
-BOX_SAMPLES = {"title": "Gift ideas", "field01": "Berg", "field02": "Anna",
+BOX_SAMPLES = {"title": "Gift ideas", "field01": "Anna Berg", "field02": "Nordlicht Design",
                "field13": "anna@example.org", "day25": "Anna's birthday",
                "day24": "Family dinner", "emailtextto": '"Bob Miller" <bob@example.org>',
                "emailtextsubject": "Shed plans", "emailtextname": "Anna Berg",
@@ -413,8 +413,55 @@ def fringe_pixels(path, mask):
     return count
 
 
+def gif_frames(path):
+    """Cuts a GIF the way the program does: at every 00 21 F9, behind a head
+    that ends with the first 00 21. Returns (frames that decode, frames)."""
+    with open(path, "rb") as f:
+        data = f.read()
+    cuts = []
+    i = data.find(b"\x00\x21\xf9")
+    while i >= 0:
+        cuts.append(i)
+        i = data.find(b"\x00\x21\xf9", i + 1)
+    if not cuts:
+        return 0, 0
+    head = data[:cuts[0] + 2]
+    good = 0
+    for k, c in enumerate(cuts):
+        end = cuts[k + 1] + 2 if k + 1 < len(cuts) else len(data)
+        frame = head + data[c + 2:end]
+        if frame.endswith(b"\x00\x21"):
+            frame = frame[:-1] + b"\x3b"  # a trailer in place of the dangling introducer
+        r = subprocess.run(["identify", "gif:-"], input=frame, capture_output=True)
+        good += r.returncode == 0
+    return good, len(cuts)
+
+
+def wav_problem(path):
+    with open(path, "rb") as f:
+        head = f.read(44)
+    if len(head) < 44 or head[:4] != b"RIFF" or head[8:12] != b"WAVE":
+        return "not a WAV file"
+    rate = int.from_bytes(head[24:28], "little")
+    per_second = int.from_bytes(head[28:32], "little")
+    seconds = (os.path.getsize(path) - 44) / max(1, per_second)
+    if rate <= 0 or seconds > 3:
+        return "%.1f s long" % seconds
+    return None
+
+
 def check(theme):
     problems = []
+    for entry in sorted(os.listdir(theme)):
+        full = os.path.join(theme, entry)
+        if entry.lower().endswith(".wav"):
+            p = wav_problem(full)
+            if p:
+                problems.append("%s: %s" % (entry, p))
+        if entry.lower().endswith(".gif"):
+            good, total = gif_frames(full)
+            if total < 2 or good != total:
+                problems.append("%s: %d of %d frames stand alone" % (entry, good, total))
     root = os.path.dirname(os.path.abspath(theme))
     for skin, sections in (("Mirel.skn", SCREENS + ["DEFAULT", "Emailto"]),
                            ("terminal.skn", DIALOGS + ["DEFAULT", "STARTUP"])):
