@@ -44,17 +44,13 @@ MONO=DejaVu-Sans-Mono-Bold
 png() { convert "$@" -strip -define png:exclude-chunks=date,time "PNG24:$OUT/$PNGNAME"; }
 
 # button NAME W H LABEL ON-COLOUR [STYLE]
-#   STYLE: act (centred text), nav (left aligned, accent bar when lit),
-#          warn (red-tinted, for destructive actions), go (accent filled)
+#   STYLE: act (plain), warn (red-tinted, for destructive actions),
+#          go (accent filled, for the action a screen is mostly about)
 button() {
     name=$1 w=$2 h=$3 label=$4 on=$5 style=${6:-act}
     x2=$((w - 1)) y2=$((h - 1))
     size=13
     [ "$h" -le 26 ] && size=11
-    case $style in
-    nav) grav=west off=+18+0 size=14 ;;
-    *) grav=center off=+0+0 ;;
-    esac
     fill=$BTN edge=$EDGE text=$TEXT
     lfill=$BTN_LIT ledge=$ACCENT ltext=$ACCENT
     case $style in
@@ -63,17 +59,11 @@ button() {
     esac
     for lit in 0 1; do
         if [ $lit = 1 ]; then f=$lfill e=$ledge t=$ltext suffix=a; else f=$fill e=$edge t=$text suffix=; fi
-        # The side bar marks the lit entry with an accent bar on its left.
-        if [ "$style" = nav ] && [ $lit = 1 ]; then
-            set -- -fill "$ACCENT" -stroke none -draw "rectangle 1,6 3,$((h - 7))"
-        else
-            set --
-        fi
         PNGNAME="$name$suffix.png"
         png -size "${w}x${h}" "xc:$on" -fill "$f" -stroke "$e" -strokewidth 1 \
-            -draw "roundrectangle 0,0,$x2,$y2,5,5" "$@" \
-            -stroke none -fill "$t" -font "$BOLD" -pointsize $size -gravity $grav \
-            -annotate "$off" "$label"
+            -draw "roundrectangle 0,0,$x2,$y2,5,5" \
+            -stroke none -fill "$t" -font "$BOLD" -pointsize $size -gravity center \
+            -annotate +0+0 "$label"
     done
 }
 
@@ -97,12 +87,48 @@ title() {
 }
 
 echo "buttons"
-# Side bar navigation.
+# Side bar navigation: a line icon in an 18x18 box at (14,11), then the name.
+icon() {
+    case $1 in
+    agenda) echo "circle 23,20 23,28|line 23,20 23,15|line 23,20 27,22" ;;
+    calendar) echo "rectangle 15,13 31,28|line 15,17 31,17|line 19,11 19,14|line 27,11 27,14|line 19,21 20,21|line 23,21 24,21|line 27,21 28,21|line 19,25 20,25|line 23,25 24,25" ;;
+    notes) echo "polyline 16,11 27,11 31,15 31,29 16,29 16,11|line 19,18 28,18|line 19,22 28,22|line 19,26 25,26" ;;
+    logbook) echo "rectangle 16,11 30,29|line 19,11 19,29|line 22,16 28,16|line 22,20 28,20" ;;
+    todo) echo "rectangle 15,12 31,28|polyline 18,20 22,24 29,15" ;;
+    address) echo "circle 23,16 23,20|arc 14,22 32,38 180,360" ;;
+    email) echo "rectangle 14,13 32,27|polyline 14,13 23,21 32,13" ;;
+    quit) echo "arc 15,13 31,29 300,240|line 23,10 23,19" ;;
+    esac
+}
+nav_button() {
+    name=$1 label=$2 kind=${3:-nav}
+    for lit in 0 1; do
+        if [ $lit = 1 ]; then
+            f=$BTN_LIT e=$ACCENT t=$ACCENT s=a
+            [ "$kind" = warn ] && e="#ff5a5a" t="#ff7a7a" f="#2c1a20"
+        else
+            f=$BTN e=$EDGE t=$TEXT s=
+            [ "$kind" = warn ] && t="#f0b4b4"
+        fi
+        set --
+        old_ifs=$IFS
+        IFS='|'
+        for prim in $(icon "$name"); do set -- "$@" -draw "$prim"; done
+        IFS=$old_ifs
+        bar=none
+        [ $lit = 1 ] && [ "$kind" = nav ] && bar=$ACCENT
+        PNGNAME="nav_$name$s.png"
+        png -size 130x40 "xc:$SIDE" -fill "$f" -stroke "$e" -strokewidth 1 \
+            -draw "roundrectangle 0,0,129,39,5,5" -stroke none -fill "$bar" -draw "rectangle 1,6 3,33" \
+            -fill none -stroke "$t" -strokewidth 1.6 "$@" \
+            -stroke none -fill "$t" -font "$BOLD" -pointsize 14 -gravity west -annotate +42+0 "$label"
+    done
+}
 for pair in notes:Notes logbook:Logbook todo:To-do address:Addresses agenda:Agenda \
     calendar:Calendar email:Mail; do
-    button "nav_${pair%%:*}" 130 40 "${pair#*:}" "$SIDE" nav
+    nav_button "${pair%%:*}" "${pair#*:}"
 done
-button nav_quit 130 40 "Quit" "$SIDE" warn
+nav_button quit Quit warn
 
 # Tool bar actions of the screens (92x32 on the window colour).
 for pair in new:New save:Save cancel:Cancel search:Search showall:"Show all" \
