@@ -343,19 +343,11 @@ EOF
 
 echo "theme preview"
 # The preview that a theme chooser shows, named after the theme folder and
-# kept next to it.
-convert -size 320x168 "xc:$BG" -fill "$SIDE" -draw "rectangle 0,0,70,167" \
-    -fill "$EDGE" -draw "line 70,0 70,167" \
-    -fill "$BTN" -draw "roundrectangle 8,30 62,44 3,3" -draw "roundrectangle 8,50 62,64 3,3" \
-    -draw "roundrectangle 8,70 62,84 3,3" -draw "roundrectangle 8,90 62,104 3,3" \
-    -fill "$BTN_LIT" -stroke "$ACCENT" -draw "roundrectangle 8,110 62,124 3,3" -stroke none \
-    -fill "$TEXT" -font "$BOLD" -pointsize 11 -annotate +9+18 "MIREL" \
-    -fill "#141720" -draw "rectangle 80,34 190,158" -draw "rectangle 198,34 310,158" \
-    -fill "$ACCENT" -draw "rectangle 80,22 120,24" \
-    -fill "#5a6478" -draw "rectangle 86,44 170,47" -draw "rectangle 86,56 150,59" -draw "rectangle 86,68 175,71" \
-    -fill "$WARM" -draw "rectangle 204,44 240,47" \
-    -fill "$TEXT" -font "$BOLD" -pointsize 20 -gravity southeast -annotate +14+12 "Default" \
-    -dither None -colors 64 -type Palette -compress None "BMP3:$ROOT/themes/Default.bmp"
+# kept next to it: a miniature of the agenda screen (the one screen without
+# the preview on it, so the picture never depends on its own last version).
+python3 "$ROOT/tools/skin-mockup.py" --theme "$OUT" --out "$TMP" --only agenda --sizes 1216x640 >/dev/null
+convert "$TMP/agenda-1216x640.png" -filter Lanczos -resize 320x168! -dither None -colors 128 \
+    -type Palette -compress None "BMP3:$ROOT/themes/Default.bmp"
 
 echo "sounds"
 # All sounds: 22.05 kHz mono 16-bit, short, soft attack, at least 14 dB

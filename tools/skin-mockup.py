@@ -522,6 +522,8 @@ def main():
     ap.add_argument("--out", default=os.path.join(here, "..", "build", "mockups"))
     ap.add_argument("--check", action="store_true", help="only check the theme's files")
     ap.add_argument("--only", help="render only the screens or dialogs named (comma list)")
+    ap.add_argument("--sizes", default=",".join("%dx%d" % s for s in SIZES),
+                    help="window sizes of the screens, e.g. 1024x600,1920x1080")
     args = ap.parse_args()
     if args.check:
         problems = check(args.theme)
@@ -532,10 +534,11 @@ def main():
     os.makedirs(args.out, exist_ok=True)
     problems = []
     only = {s.lower() for s in args.only.split(",")} if args.only else None
+    sizes = [tuple(int(n) for n in s.split("x")) for s in args.sizes.split(",")]
     for screen in SCREENS:
         if only and screen.lower() not in only:
             continue
-        for w, h in SIZES:
+        for w, h in sizes:
             out = os.path.join(args.out, "%s-%dx%d.png" % (screen.lower(), w, h))
             render_screen(args.theme, screen, w, h, out, problems)
             print(out)
