@@ -23,6 +23,9 @@ MON="$OUT/Mirel"
 TMP=$(mktemp -d)
 trap 'rm -rf "$TMP"' EXIT
 mkdir -p "$OUT" "$MON"
+# From scratch: a picture the script no longer draws must not linger. The
+# skin files (*.skn) are written by hand and stay.
+rm -f "$OUT"/*.png "$OUT"/*.gif "$OUT"/*.wav "$MON"/calmon*.bmp "$MON"/calmon*.jpg
 
 # Palette. Keep in step with the colours written in the skin files.
 BG="#0b0d13"        # main window (BackGround 11,13,19)
