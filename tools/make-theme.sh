@@ -124,7 +124,7 @@ nav_button() {
         png -size 130x40 "xc:$SIDE" -fill "$f" -stroke "$e" -strokewidth 1 \
             -draw "roundrectangle 0,0,129,39,5,5" -stroke none -fill "$bar" -draw "rectangle 1,6 3,33" \
             -fill none -stroke "$t" -strokewidth 1.6 "$@" \
-            -stroke none -fill "$t" -font "$BOLD" -pointsize 14 -gravity west -annotate +42+0 "$label"
+            -stroke none -fill "$t" -font "$BOLD" -pointsize 13 -gravity west -annotate +40+0 "$label"
     done
 }
 for pair in notes:Notes logbook:Logbook todo:To-do address:Addresses agenda:Agenda \
