@@ -107,6 +107,49 @@ class BundledThemeTest(unittest.TestCase):
             self.assertEqual(len(kinds("Agenda", slot)), 1, slot)
         self.assertEqual(len(kinds("Todo", "BD")), 1)
 
+    # Any command the program does not know is started as a program, so a
+    # typing error in the bundled theme would quietly try to run "NOTSAVE".
+    MAIN = set("""ADDRESS ADDRESSADD ADDRESSSAVE ADDRESSDELETE ADDRESSCANCEL ADDRESSIMPORT
+        ADDRESSEXPORT AGENDA AGENDAPAST AGENDAPRESENT AGENDAADD AGENDASAVE AGENDADELETE
+        AGENDACANCEL AGENDAPRINTLIST AGENDAPRINTITEM CALENDAR MONTHPRINT MONTHALL LOGBOOK LOGADD
+        LOGCANCEL LOGSAVE LOGDELETE LOGSHOWALL LOGSEARCH NOTES NOTEADD NOTECANCEL NOTESAVE
+        NOTEDELETE TODO TODOADD TODOCANCEL TODOSAVE TODODELETE TODODONE EMAIL EMAILPRINT
+        EMAILDELETE EMAILMOVE EMAILSOURCE EMAILNEW EMAILREPLY EMAILFORWARD EMAILCONFIG
+        EMAILACCOUNTS EMAILSENDRECEIVE QUIT""".split())
+    MAIN |= {"AGENDAP%d" % i for i in range(8)}
+    MAIN |= {"MONTH" + m for m in "JAN FEB MAR APR MAY JUN JUL AUG SEP OCT NOV DEC".split()}
+    MAIN |= {p + d for p in ("MODEDAY", "MODEMONTH", "MODEYEAR", "STARTHOUR", "STARTMIN",
+                             "ENDHOUR", "ENDMIN") for d in ("UP", "DOWN")}
+    DIALOG = {
+        "INPUT": {"OK", "QUIT"}, "EMAILMOVE": {"OK", "QUIT"}, "ADDRESSIMPORT": {"OK", "QUIT"},
+        "EMAILSENDRECEIVE": {"OK"},
+        "EMAILCONFIG": {"OK", "EMAILCONFIGNEW", "EMAILCONFIGRENAME", "EMAILCONFIGDELETE"},
+        "EMAILACCOUNTS": {"OK", "EMAILACCOUNTNEW", "EMAILACCOUNTDEFAULT", "EMAILACCOUNTDELETE"},
+        "EMAILSEND": {"OK", "QUIT", "EMAILTO", "EMAILCC", "EMAILBCC"},
+    }
+
+    def commands(self, skin, section):
+        ini = sm.Ini(os.path.join(THEME, skin))
+        for _, value in ini.lines(section):
+            kind, _, fields = sm.split_line(value)
+            if kind in sm.BUTTON_KINDS:
+                yield ",".join(fields[7:]).upper()
+
+    def test_every_button_command_is_known(self):
+        cases = [("Mirel.skn", s, self.MAIN) for s in ["DEFAULT"] + sm.SCREENS]
+        cases += [("terminal.skn", s, known) for s, known in self.DIALOG.items()]
+        cases.append(("Mirel.skn", "Emailto", {"OK", "QUIT"}))
+        for skin, section, known in cases:
+            with self.subTest(section=section):
+                found = list(self.commands(skin, section))
+                if section != "Overview":  # the start screen has no buttons of its own
+                    self.assertTrue(found)
+                self.assertEqual([c for c in found if c not in known], [])
+        # Every screen can be reached from the side bar.
+        self.assertEqual(set(self.commands("Mirel.skn", "DEFAULT")),
+                         {"AGENDA", "CALENDAR", "NOTES", "LOGBOOK", "TODO", "ADDRESS", "EMAIL",
+                          "QUIT"})
+
 
 if __name__ == "__main__":
     unittest.main()
