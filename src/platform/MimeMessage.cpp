@@ -50,15 +50,41 @@ QByteArray contentAsTransmitted(GMimeObject* obj) {
     return QByteArray(reinterpret_cast<const char*>(bytes->data), qsizetype(bytes->len));
 }
 
+// The media type as written. A value that is not "type/subtype" reads as
+// text/plain, as MIME prescribes for a syntax error, where GMime would
+// take it for application/octet-stream.
+bool parseMediaType(const QByteArray& contentType, MimeEntity& e) {
+    const qsizetype semi = contentType.indexOf(';');
+    const QByteArray value = (semi < 0 ? contentType : contentType.first(semi)).trimmed();
+    const qsizetype slash = value.indexOf('/');
+    const QByteArray type = value.left(slash).trimmed().toLower();
+    const QByteArray subtype = value.mid(slash + 1).trimmed().toLower();
+    if (slash <= 0 || type.isEmpty() || subtype.isEmpty() || type.contains(' ') ||
+        subtype.contains(' ')) {
+        e.type = QByteArrayLiteral("text");
+        e.subtype = QByteArrayLiteral("plain");
+        return false;
+    }
+    e.type = type;
+    e.subtype = subtype;
+    return true;
+}
+
 MimeEntity build(GMimeObject* obj, int level, int depth) {
     MimeEntity e;
-    if (GMimeContentType* ct = g_mime_object_get_content_type(obj)) {
-        if (const char* t = g_mime_content_type_get_media_type(ct))
-            e.type = QByteArray(t).toLower();
-        if (const char* s = g_mime_content_type_get_media_subtype(ct))
-            e.subtype = QByteArray(s).toLower();
-    }
     const QByteArray contentType = rawHeader(obj, "Content-Type");
+    if (contentType.isEmpty()) {
+        // No header: the default of the context (message/rfc822 inside a
+        // digest), which GMime knows.
+        if (GMimeContentType* ct = g_mime_object_get_content_type(obj)) {
+            if (const char* t = g_mime_content_type_get_media_type(ct))
+                e.type = QByteArray(t).toLower();
+            if (const char* s = g_mime_content_type_get_media_subtype(ct))
+                e.subtype = QByteArray(s).toLower();
+        }
+    } else {
+        parseMediaType(contentType, e);
+    }
     if (const qsizetype semi = contentType.indexOf(';'); semi >= 0)
         e.typeParameters = contentType.mid(semi + 1).trimmed();
     e.transferEncoding = rawHeader(obj, "Content-Transfer-Encoding");
@@ -69,9 +95,11 @@ MimeEntity build(GMimeObject* obj, int level, int depth) {
         e.parts.reserve(size_t(std::max(count, 0)));
         for (int i = 0; i < count; ++i)
             e.parts.push_back(build(g_mime_multipart_get_part(mp, i), level + 1, depth));
-    } else {
-        e.rawBody = contentAsTransmitted(obj);
     }
+    // A container whose boundary never shows has no parts; it is then
+    // read as the single part it is, with its text as transmitted.
+    if (e.parts.empty())
+        e.rawBody = contentAsTransmitted(obj);
     return e;
 }
 
@@ -99,15 +127,26 @@ QByteArray MimeEntity::decodedBody() const {
 }
 
 qsizetype MimeMessage::bodyOffset(QByteArrayView raw) {
-    if (raw.startsWith("\r\n"))
-        return 2;
-    if (raw.startsWith("\n"))
-        return 1;
-    for (qsizetype i = raw.indexOf('\n'); i >= 0; i = raw.indexOf('\n', i + 1)) {
-        if (i + 1 < raw.size() && raw[i + 1] == '\n')
-            return i + 2;
-        if (i + 2 < raw.size() && raw[i + 1] == '\r' && raw[i + 2] == '\n')
-            return i + 3;
+    // The header block ends at a blank line, which belongs to neither part,
+    // or at the first line that cannot be a header line, which is the
+    // first line of the body.
+    qsizetype pos = 0;
+    while (pos < raw.size()) {
+        qsizetype end = raw.indexOf('\n', pos);
+        end = end < 0 ? raw.size() : end + 1;
+        QByteArrayView line = raw.sliced(pos, end - pos);
+        if (line == "\n" || line == "\r\n")
+            return end;
+        const bool continuation = pos > 0 && (line[0] == ' ' || line[0] == '\t');
+        const bool envelope = pos == 0 && line.startsWith("From ");
+        if (!continuation && !envelope) {
+            qsizetype i = 0;
+            while (i < line.size() && line[i] != ':' && uchar(line[i]) > 32 && uchar(line[i]) < 127)
+                ++i;
+            if (i >= line.size() || line[i] != ':')
+                return pos;
+        }
+        pos = end;
     }
     return raw.size();
 }
@@ -143,6 +182,10 @@ MimeMessage MimeMessage::parse(QByteArrayView raw, int depth) {
 
     if (top)
         m.m_root = build(top, 0, depth);
+    // GMime renders a container without parts with line ends of its own;
+    // at the top the body as fetched is at hand, byte for byte.
+    if (m.m_root.parts.empty())
+        m.m_root.rawBody = m.m_body;
     return m;
 }
 

@@ -38,7 +38,9 @@ def raw_value(msg, name):
     v = msg.get(name)
     if v is None:
         return b""
-    return str(v).replace("\r", "").replace("\n", "").encode("ascii", "surrogateescape")
+    # unfolded, from the first character after the blanks that follow the colon
+    v = str(v).replace("\r", "").replace("\n", "").lstrip(" \t")
+    return v.encode("ascii", "surrogateescape")
 
 
 def index_text(b):
@@ -52,7 +54,7 @@ def params_of(part):
 
 def content_of(part):
     enc = raw_value(part, "Content-Transfer-Encoding").strip()
-    payload = part.get_payload()
+    payload = part._payload  # get_payload() would apply the charset to 8-bit text
     if isinstance(payload, list):
         return None  # a container or an attached message: bytes not compared
     raw = payload.encode("ascii", "surrogateescape")
@@ -66,7 +68,8 @@ def content_of(part):
 
 def summarize(path):
     with open(path, "rb") as f:
-        msg = email.message_from_binary_file(f, policy=email.policy.compat32)
+        # from bytes, not from a file: a file is read with its line ends translated
+        msg = email.message_from_bytes(f.read(), policy=email.policy.compat32)
     out = {
         "file": os.path.basename(path),
         "subject": index_text(raw_value(msg, "Subject")).decode("latin-1"),
