@@ -38,14 +38,16 @@ QByteArray streamBytes(GMimeStream* stream) {
     return QByteArray(reinterpret_cast<const char*>(bytes->data), qsizetype(bytes->len));
 }
 
-QByteArray contentAsTransmitted(GMimeObject* obj) {
+// GMime writes a container out again rather than handing back its bytes;
+// it is written with the line ends the message itself uses.
+QByteArray contentAsTransmitted(GMimeObject* obj, GMimeFormatOptions* format) {
     if (GMIME_IS_PART(obj)) {
         GMimeDataWrapper* content = g_mime_part_get_content(GMIME_PART(obj));
         GMimeStream* stream = content ? g_mime_data_wrapper_get_stream(content) : nullptr;
         return stream ? streamBytes(stream) : QByteArray();
     }
     GPtr<GMimeStream> mem(g_mime_stream_mem_new());
-    g_mime_object_write_content_to_stream(obj, nullptr, mem.get());
+    g_mime_object_write_content_to_stream(obj, format, mem.get());
     GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(mem.get()));
     return QByteArray(reinterpret_cast<const char*>(bytes->data), qsizetype(bytes->len));
 }
@@ -70,7 +72,7 @@ bool parseMediaType(const QByteArray& contentType, MimeEntity& e) {
     return true;
 }
 
-MimeEntity build(GMimeObject* obj, int level, int depth) {
+MimeEntity build(GMimeObject* obj, int level, int depth, GMimeFormatOptions* format) {
     MimeEntity e;
     const QByteArray contentType = rawHeader(obj, "Content-Type");
     if (contentType.isEmpty()) {
@@ -94,12 +96,12 @@ MimeEntity build(GMimeObject* obj, int level, int depth) {
         const int count = g_mime_multipart_get_count(mp);
         e.parts.reserve(size_t(std::max(count, 0)));
         for (int i = 0; i < count; ++i)
-            e.parts.push_back(build(g_mime_multipart_get_part(mp, i), level + 1, depth));
+            e.parts.push_back(build(g_mime_multipart_get_part(mp, i), level + 1, depth, format));
     }
     // A container whose boundary never shows has no parts; it is then
     // read as the single part it is, with its text as transmitted.
     if (e.parts.empty())
-        e.rawBody = contentAsTransmitted(obj);
+        e.rawBody = contentAsTransmitted(obj, format);
     return e;
 }
 
@@ -180,8 +182,15 @@ MimeMessage MimeMessage::parse(QByteArrayView raw, int depth) {
     for (Line& l : lines)
         m.m_headerLines.append(std::move(l.text));
 
-    if (top)
-        m.m_root = build(top, 0, depth);
+    if (top) {
+        GMimeFormatOptions* format = g_mime_format_options_new();
+        const qsizetype lf = raw.indexOf('\n');
+        g_mime_format_options_set_newline_format(format, lf > 0 && raw[lf - 1] == '\r'
+                                                             ? GMIME_NEWLINE_FORMAT_DOS
+                                                             : GMIME_NEWLINE_FORMAT_UNIX);
+        m.m_root = build(top, 0, depth, format);
+        g_mime_format_options_free(format);
+    }
     // GMime renders a container without parts with line ends of its own;
     // at the top the body as fetched is at hand, byte for byte.
     if (m.m_root.parts.empty())
