@@ -44,6 +44,16 @@ QByteArray fieldText(const QByteArray& value) {
     return value.left(MailStore::kTextFieldSize);
 }
 
+// By hand: the list of a large folder reads thousands of these, and the
+// general date parser costs more than the rest of the row.
+QDateTime parseRealDate(const QByteArray& t) {
+    if (t.size() != 19)
+        return QDateTime::fromString(QString::fromLatin1(t), QLatin1String(kRealDateFormat));
+    auto num = [&](int from, int len) { return t.mid(from, len).toInt(); };
+    return QDateTime(QDate(num(0, 4), num(5, 2), num(8, 2)),
+                     QTime(num(11, 2), num(14, 2), num(17, 2)));
+}
+
 IndexRow readIndex(SQLite::Statement& st) {
     IndexRow r;
     r.id = st.getColumn(0).getInt();
@@ -53,8 +63,7 @@ IndexRow readIndex(SQLite::Statement& st) {
     r.to = SqliteDb::columnBytes(st, 4);
     r.attachments = st.getColumn(5).getInt();
     r.readed = qint16(st.getColumn(6).getInt());
-    r.realDate = QDateTime::fromString(QString::fromUtf8(SqliteDb::columnBytes(st, 7)),
-                                       QLatin1String(kRealDateFormat));
+    r.realDate = parseRealDate(SqliteDb::columnBytes(st, 7));
     return r;
 }
 
