@@ -284,7 +284,9 @@ bool MailStore::DeleteMessage(QByteArrayView folder, qint32 id) {
 }
 
 std::optional<qint32> MailStore::MoveMessage(QByteArrayView from, QByteArrayView to, qint32 id) {
-    if (from == to)
+    // Two keys may name one folder (the names compare without regard to
+    // case): moving a message onto itself leaves it where it is.
+    if (folderDir(from) == folderDir(to))
         return readIndexRow(from, id) ? std::optional<qint32>(id) : std::nullopt;
     std::optional<qint32> newId;
     const bool ok = guarded(from, [&] {

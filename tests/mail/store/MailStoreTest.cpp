@@ -239,6 +239,8 @@ TEST_F(MailStoreTest, UserFolderIsFoundWithoutRegardToCase) {
         (store.*create)("Archive");
     const qint32 id = add("archive", "kept");
     EXPECT_EQ(store.FillMessageIndexList("ARCHIVE").at(0).id, id);
+    EXPECT_EQ(store.MoveMessage("Archive", "archive", id), id); // one folder: nothing moves
+    EXPECT_EQ(store.FillMessageIndexList("Archive").size(), 1u);
 }
 
 } // namespace
