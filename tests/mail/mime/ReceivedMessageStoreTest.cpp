@@ -185,6 +185,13 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
     QByteArray deep = part("text/plain", "bottom");
     for (int i = 0; i < 50; ++i)
         deep = multipart("mixed", "d" + QByteArray::number(i), {deep});
+    // Thousands of levels, none of them closed.
+    QByteArray abyss = kHead + "Content-Type: multipart/mixed; boundary=\"b0\"\r\n\r\n";
+    for (int i = 1; i < 5000; ++i)
+        abyss += "--b" + QByteArray::number(i - 1) +
+                 "\r\nContent-Type: multipart/mixed; boundary=\"b" + QByteArray::number(i) +
+                 "\"\r\n\r\n";
+    abyss += "--b4999\r\nContent-Type: text/plain\r\n\r\nbottom\r\n";
     QByteArray nul = kHead + "\r\nbefore";
     nul += '\0';
     nul += "after\r\n";
@@ -210,6 +217,7 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
          1},
         {"boundary never closes", kHead + open, "unclosed\r\n", 0},
         {"fifty levels of parts", kHead + deep, {}, 1},
+        {"five thousand open levels", abyss, {}, 1},
         {"NUL bytes in the body", nul, QByteArray("before\0after\r\n", 14), 0},
         {"base64 garbage",
          kHead + part("text/plain", "!!!*** not base64 at all ***",
