@@ -12,9 +12,9 @@
 namespace mirel {
 namespace {
 
-// The schemas keep the field order, the defaults and the indexes of the
-// original tables. Text fields are declared with their size but receive
-// BLOBs; SQLite keeps a BLOB as it is whatever the column's affinity.
+// The field order, defaults and indexes are the ones every mail folder has
+// always had. Text fields are declared with their size but receive BLOBs;
+// SQLite keeps a BLOB as it is whatever the column's affinity.
 constexpr const char* kIndexSchema =
     R"(CREATE TABLE "Index" ("ID" INTEGER PRIMARY KEY AUTOINCREMENT,
          "Subject" VARCHAR(255), "From" VARCHAR(255), "Date" VARCHAR(255), "To" VARCHAR(255),
@@ -31,7 +31,7 @@ const QString kIndexFile = QStringLiteral("index.mdb");
 const QString kDataFile = QStringLiteral("data.mdb");
 const QString kAttachmentsFile = QStringLiteral("attachments.mdb");
 
-// Seconds, as the original date field held; text in this form sorts in
+// Whole seconds, as the field has always held; text in this form sorts in
 // time order.
 constexpr const char* kRealDateFormat = "yyyy-MM-dd HH:mm:ss";
 
