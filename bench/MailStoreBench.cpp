@@ -1,0 +1,223 @@
+// Receiving mail into the store: 10,000 messages of mixed size (plain
+// notes, alternatives, messages with attachments of a few to a hundred
+// kilobytes) stored one by one into folder "0", beside GMime parsing the same
+// messages without storing (the floor). Then filling the list of that
+// 10,000-message folder, beside a bare SQLite scan of its index (the floor).
+//
+// The store lives on a memory file system where there is one, so the figure
+// is the work of the program rather than the disk's sync time; the run on
+// disk is measured on a few hundred messages for comparison.
+#include "BenchMain.h"
+#include "mail/mime/ReceivedMessageStore.h"
+#include "mail/store/DuplicateDetector.h"
+#include "mail/store/MailStore.h"
+#include "platform/GMimeRuntime.h"
+#include "platform/SettingsStore.h"
+#include "settings/IniHelpers.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <gmime/gmime.h>
+#include <memory>
+
+using namespace mirel;
+
+namespace {
+
+constexpr int kMessages = 10000;
+
+struct NullSink final : MessageSink {
+    void showMessage(const QString&, const QString&, Icon) override {}
+    bool askYesNo(const QString&, const QString&) override { return false; }
+};
+
+QByteArray words(QRandomGenerator& rng, int bytes) {
+    static const char* const kWords[] = {"mail", "store",    "the",  "folder",     "message", "of",
+                                         "and",  "received", "list", "attachment", "Mirel"};
+    QByteArray out;
+    out.reserve(bytes + 80);
+    int column = 0;
+    while (out.size() < bytes) {
+        const QByteArray w = kWords[rng.bounded(int(std::size(kWords)))];
+        out += w + ' ';
+        column += int(w.size()) + 1;
+        if (column > 70) {
+            out += "\r\n";
+            column = 0;
+        }
+    }
+    return out + "\r\n";
+}
+
+QByteArray base64Lines(QRandomGenerator& rng, int bytes) {
+    QByteArray data(bytes, Qt::Uninitialized);
+    for (char& c : data)
+        c = char(rng.bounded(256));
+    const QByteArray b64 = data.toBase64();
+    QByteArray out;
+    for (qsizetype i = 0; i < b64.size(); i += 76)
+        out += b64.mid(i, 76) + "\r\n";
+    return out;
+}
+
+// Half plain notes of 0.5-4 KB, a quarter alternatives, a fifth with one
+// attachment of 5-30 KB, the rest with two attachments of 60-120 KB.
+QByteArray makeMessage(QRandomGenerator& rng, int n) {
+    QByteArray head = "From: \"Sender " + QByteArray::number(n % 97) +
+                      "\" <s@example.org>\r\nTo: me@example.net\r\nSubject: Message number " +
+                      QByteArray::number(n) + "\r\nDate: Sun, 22 Nov 2026 10:00:00 +0100\r\n" +
+                      "Message-ID: <" + QByteArray::number(n) + ".bench@example.org>\r\n" +
+                      "MIME-Version: 1.0\r\n";
+    const int kind = rng.bounded(100);
+    if (kind < 50)
+        return head + "Content-Type: text/plain\r\n\r\n" + words(rng, rng.bounded(500, 4000));
+    const QByteArray alt = "Content-Type: multipart/alternative; boundary=\"alt\"\r\n\r\n--alt\r\n"
+                           "Content-Type: text/plain\r\n\r\n" +
+                           words(rng, rng.bounded(500, 3000)) +
+                           "--alt\r\nContent-Type: text/html\r\n\r\n<p>" +
+                           words(rng, rng.bounded(1000, 5000)) + "</p>\r\n--alt--\r\n";
+    if (kind < 75)
+        return head + alt;
+    QByteArray mixed =
+        head + "Content-Type: multipart/mixed; boundary=\"mix\"\r\n\r\n--mix\r\n" + alt;
+    const int count = kind < 96 ? 1 : 2;
+    for (int i = 0; i < count; ++i)
+        mixed +=
+            "--mix\r\nContent-Type: application/octet-stream; name=\"file" + QByteArray::number(i) +
+            ".bin\"\r\nContent-Transfer-Encoding: base64\r\n\r\n" +
+            base64Lines(rng, kind < 96 ? rng.bounded(5000, 30000) : rng.bounded(60000, 120000));
+    return mixed + "--mix--\r\n";
+}
+
+const std::vector<QByteArray>& messages() {
+    static const std::vector<QByteArray> all = [] {
+        QRandomGenerator rng(20261122);
+        std::vector<QByteArray> m;
+        m.reserve(kMessages);
+        for (int i = 0; i < kMessages; ++i)
+            m.push_back(makeMessage(rng, i));
+        return m;
+    }();
+    return all;
+}
+
+QString memoryTemp() {
+    return QDir("/dev/shm").exists() ? QStringLiteral("/dev/shm/mirel-bench-XXXXXX")
+                                     : QDir::tempPath() + "/mirel-bench-XXXXXX";
+}
+
+struct Store {
+    explicit Store(const QString& pattern) : dir(pattern) { store.MailStoreStartup(ini); }
+    QTemporaryDir dir;
+    SystemClock clock;
+    NullSink sink;
+    SettingsStore settings{dir.path() + "/config"};
+    IniHelpers ini{sink, settings};
+    MailStore store{dir.path(), clock, sink};
+    DuplicateDetector duplicates{ini, store.incomingRecordPath()};
+    ReceivedMessageStore received{store, duplicates};
+    int stored = 0;
+
+    void fill(int count) {
+        for (int i = 0; i < count; ++i)
+            stored += received.StoreReceivedMessage(messages()[size_t(i)], "0");
+    }
+};
+
+Store& filledStore() {
+    static Store s(memoryTemp());
+    if (s.stored == 0)
+        s.fill(kMessages);
+    return s;
+}
+
+void BM_GMimeParseFloor(benchmark::State& state) {
+    GMimeRuntime::ensure();
+    messages(); // made once, outside the timing
+    for (auto _ : state)
+        for (const QByteArray& m : messages()) {
+            GMimeStream* stream =
+                g_mime_stream_mem_new_with_buffer(m.constData(), size_t(m.size()));
+            GMimeParser* parser = g_mime_parser_new_with_stream(stream);
+            GMimeMessage* msg = g_mime_parser_construct_message(parser, nullptr);
+            benchmark::DoNotOptimize(msg);
+            g_object_unref(msg);
+            g_object_unref(parser);
+            g_object_unref(stream);
+        }
+    state.counters["messages/s"] = benchmark::Counter(kMessages, benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_GMimeParseFloor)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void BM_MimeMessageParse(benchmark::State& state) {
+    messages();
+    for (auto _ : state)
+        for (const QByteArray& m : messages())
+            benchmark::DoNotOptimize(MimeMessage::parse(m));
+    state.counters["messages/s"] = benchmark::Counter(kMessages, benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_MimeMessageParse)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+MIREL_FLOOR(BM_MimeMessageParse, BM_GMimeParseFloor);
+
+void BM_StoreReceived(benchmark::State& state) {
+    messages();
+    std::unique_ptr<Store> s;
+    for (auto _ : state) {
+        state.PauseTiming();
+        s = std::make_unique<Store>(memoryTemp());
+        state.ResumeTiming();
+        s->fill(kMessages);
+    }
+    if (s->stored != kMessages)
+        state.SkipWithError("not every message was stored");
+    state.counters["messages/s"] = benchmark::Counter(kMessages, benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_StoreReceived)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+MIREL_FLOOR(BM_StoreReceived, BM_GMimeParseFloor);
+
+// The same work on the disk, where each commit waits for the sync.
+void BM_StoreReceivedOnDisk(benchmark::State& state) {
+    const int count = int(state.range(0));
+    for (auto _ : state) {
+        state.PauseTiming();
+        Store s(QDir::tempPath() + "/mirel-bench-XXXXXX");
+        state.ResumeTiming();
+        s.fill(count);
+    }
+    state.counters["messages/s"] = benchmark::Counter(count, benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_StoreReceivedOnDisk)
+    ->Arg(100)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+void BM_IndexScanFloor(benchmark::State& state) {
+    Store& s = filledStore();
+    for (auto _ : state) {
+        SQLite::Database db(s.store.databasePath("0", "index.mdb").toStdString());
+        SQLite::Statement st(db, R"(SELECT * FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
+        int rows = 0;
+        while (st.executeStep())
+            ++rows;
+        benchmark::DoNotOptimize(rows);
+    }
+}
+BENCHMARK(BM_IndexScanFloor)->Unit(benchmark::kMillisecond);
+
+void BM_FillMessageIndexList(benchmark::State& state) {
+    Store& s = filledStore();
+    for (auto _ : state) {
+        const auto rows = s.store.FillMessageIndexList("0");
+        if (rows.size() != size_t(kMessages))
+            state.SkipWithError("list is incomplete");
+        benchmark::DoNotOptimize(rows.data());
+    }
+}
+BENCHMARK(BM_FillMessageIndexList)->Unit(benchmark::kMillisecond);
+MIREL_FLOOR(BM_FillMessageIndexList, BM_IndexScanFloor);
+
+} // namespace

@@ -1,0 +1,91 @@
+#include "mail/mime/ReceivedMessageStore.h"
+
+#include "mail/store/DuplicateDetector.h"
+#include "mail/store/MailStore.h"
+
+namespace mirel {
+
+ReceivedMessageStore::ReceivedMessageStore(MailStore& store, DuplicateDetector& duplicates)
+    : m_store(store), m_duplicates(duplicates) {}
+
+bool ReceivedMessageStore::isEncoded(QByteArrayView enc) {
+    return enc == "quoted-printable" || enc == "base64" || enc == "mac-binhex40" ||
+           enc == "x-uuencode";
+}
+
+QByteArray ReceivedMessageStore::indexText(QByteArrayView value) {
+    QByteArrayView v = value.first(std::min(value.size(), MailStore::kTextFieldSize));
+    while (!v.isEmpty() && v.front() == ' ')
+        v = v.sliced(1);
+    while (!v.isEmpty() && v.back() == ' ')
+        v.chop(1);
+    return v.toByteArray();
+}
+
+bool ReceivedMessageStore::StoreReceivedMessage(QByteArrayView raw, QByteArrayView folder) {
+    return store(raw, folder) == Result::Stored;
+}
+
+ReceivedMessageStore::Result ReceivedMessageStore::store(QByteArrayView raw,
+                                                         QByteArrayView folder) {
+    return store(MimeMessage::parse(raw), folder);
+}
+
+ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail,
+                                                         QByteArrayView folder) {
+    if (m_duplicates.IsDuplicateMessage(mail.headerLines(), mail.body()))
+        return Result::Duplicate;
+
+    NewIndexFields fields;
+    fields.subject = indexText(mail.subject());
+    fields.from = indexText(mail.sender());
+    fields.to = indexText(mail.recipient());
+    fields.date = mail.date();
+
+    MessageRow row;
+    for (const QByteArray& line : mail.headerLines())
+        row.headers += line + "\r\n";
+
+    m_text.clear();
+    m_html.clear();
+    m_attachments.clear();
+    const MimeEntity& root = mail.root();
+    if (!root.parts.empty()) {
+        for (const MimeEntity& part : root.parts) {
+            if (part.parts.empty()) {
+                StoreMessagePart(part);
+                continue;
+            }
+            for (const MimeEntity& sub : part.parts)
+                StoreMessagePart(sub);
+        }
+    } else {
+        StoreMessagePart(root);
+    }
+    row.text = std::move(m_text);
+    row.html = std::move(m_html);
+
+    const std::optional<qint32> id = m_store.createMessage(folder, fields, row, m_attachments);
+    m_attachments.clear();
+    if (!id)
+        return Result::Failed;
+    m_lastId = *id;
+    return Result::Stored;
+}
+
+void ReceivedMessageStore::StoreMessagePart(const MimeEntity& part) {
+    QByteArray content = isEncoded(part.transferEncoding) ? part.decodedBody() : part.rawBody;
+    if (part.type == "text" && part.subtype == "plain") {
+        if (m_text.isEmpty())
+            m_text = std::move(content);
+        return;
+    }
+    if (part.type == "text" && part.subtype == "html") {
+        if (m_html.isEmpty())
+            m_html = std::move(content);
+        return;
+    }
+    m_attachments.push_back({part.typeParameters, std::move(content)});
+}
+
+} // namespace mirel

@@ -1,0 +1,61 @@
+#pragma once
+// Storing one received message: the duplicate check, then the index row,
+// then a walk of the part tree at most two levels deep that keeps the first
+// text/plain body and the first text/html body and turns every other part
+// into an attachment; then the message row and the attachment count.
+//
+// Rules the walk keeps:
+// - A part is decoded only when its Content-Transfer-Encoding is written
+//   exactly "quoted-printable", "base64", "mac-binhex40" or "x-uuencode";
+//   any other spelling, letter case included, keeps the body as transmitted.
+// - A second text/plain (or text/html) part is dropped, not stored.
+// - A container below the second level is not opened; it is stored as one
+//   attachment with its content as transmitted.
+// - Subject, From and To are cut to 255 characters, then trimmed of blanks;
+//   Date is kept as delivered. Bytes are stored as received: no character
+//   set is applied anywhere.
+#include "mail/store/MailRows.h"
+#include "platform/MimeMessage.h"
+
+#include <QByteArray>
+#include <vector>
+
+namespace mirel {
+
+class MailStore;
+class DuplicateDetector;
+
+/// StoreReceivedMessage and StoreMessagePart over a MailStore.
+class ReceivedMessageStore {
+  public:
+    enum class Result { Stored, Duplicate, Failed };
+
+    ReceivedMessageStore(MailStore& store, DuplicateDetector& duplicates);
+
+    /// True when the message was stored; false for a message received
+    /// before (nothing is written) or one the store refused (reported).
+    bool StoreReceivedMessage(QByteArrayView raw, QByteArrayView folder);
+    Result store(const MimeMessage& mail, QByteArrayView folder);
+    Result store(QByteArrayView raw, QByteArrayView folder);
+
+    /// The ID of the message stored last.
+    qint32 lastId() const { return m_lastId; }
+
+    /// Whether a transfer encoding, as written, is one the walk decodes.
+    static bool isEncoded(QByteArrayView transferEncoding);
+    /// Cut to the index field's size, then trimmed of blanks.
+    static QByteArray indexText(QByteArrayView value);
+
+  private:
+    void StoreMessagePart(const MimeEntity& part);
+
+    MailStore& m_store;
+    DuplicateDetector& m_duplicates;
+    // Working state of the message being stored.
+    QByteArray m_text;
+    QByteArray m_html;
+    std::vector<AttachmentRow> m_attachments;
+    qint32 m_lastId = 0;
+};
+
+} // namespace mirel

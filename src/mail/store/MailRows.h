@@ -1,0 +1,42 @@
+#pragma once
+#include <QByteArray>
+#include <QDateTime>
+#include <optional>
+#include <vector>
+
+namespace mirel {
+
+/// One row of a folder's message index, as plain values.
+struct IndexRow {
+    qint32 id = 0;
+    QByteArray subject, from, date, to;
+    qint32 attachments = 0;
+    qint16 readed = 0;
+    QDateTime realDate;
+
+    /// ID, Readed, Attachments, Subject, From, Date, To joined by TAB: the
+    /// hidden line the message list is built from.
+    QByteArray listLine() const;
+};
+
+/// The fields of a new index row. A field left unset is not written, so it
+/// keeps its default; received mail sets all four, composed mail only the
+/// ones it has.
+struct NewIndexFields {
+    std::optional<QByteArray> subject, from, date, to;
+};
+
+/// The bodies and header text of one message; an empty value is left
+/// unassigned in the store.
+struct MessageRow {
+    qint32 id = 0;
+    QByteArray text, html, headers;
+};
+
+/// One attachment as stored: the Content-Type parameter text and the bytes.
+struct AttachmentRow {
+    QByteArray filename;
+    QByteArray data;
+};
+
+} // namespace mirel

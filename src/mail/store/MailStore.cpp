@@ -1,0 +1,436 @@
+#include "mail/store/MailStore.h"
+
+#include "platform/Cp1252.h"
+#include "platform/PathResolver.h"
+#include "platform/SqliteDb.h"
+#include "settings/IniHelpers.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace mirel {
+namespace {
+
+// The field order, defaults and indexes are the ones every mail folder has
+// always had. Text fields are declared with their size but receive BLOBs;
+// SQLite keeps a BLOB as it is whatever the column's affinity.
+constexpr const char* kIndexSchema =
+    R"(CREATE TABLE "Index" ("ID" INTEGER PRIMARY KEY AUTOINCREMENT,
+         "Subject" VARCHAR(255), "From" VARCHAR(255), "Date" VARCHAR(255), "To" VARCHAR(255),
+         "Attachments" INTEGER DEFAULT 0, "Readed" SMALLINT DEFAULT 0, "RealDate" DATETIME);
+       CREATE INDEX "RealDate" ON "Index" ("RealDate");)";
+constexpr const char* kDataSchema =
+    R"(CREATE TABLE "Message" ("ID" INTEGER PRIMARY KEY NOT NULL,
+         "Text" BLOB, "Html" BLOB, "Headers" BLOB);)";
+constexpr const char* kAttachmentsSchema =
+    R"(CREATE TABLE "Attachments" ("ID" INTEGER NOT NULL, "Filename" VARCHAR(255), "Data" BLOB);
+       CREATE INDEX "ID" ON "Attachments" ("ID");)";
+
+const QString kIndexFile = QStringLiteral("index.mdb");
+const QString kDataFile = QStringLiteral("data.mdb");
+const QString kAttachmentsFile = QStringLiteral("attachments.mdb");
+
+// Whole seconds, as the field has always held; text in this form sorts in
+// time order.
+constexpr const char* kRealDateFormat = "yyyy-MM-dd HH:mm:ss";
+
+bool missingOrEmpty(const QString& path) {
+    const QFileInfo info(path);
+    return !info.exists() || info.size() == 0;
+}
+
+QByteArray fieldText(const QByteArray& value) {
+    return value.left(MailStore::kTextFieldSize);
+}
+
+// By hand: the list of a large folder reads thousands of these, and the
+// general date parser costs more than the rest of the row.
+QDateTime parseRealDate(const QByteArray& t) {
+    if (t.size() != 19)
+        return QDateTime::fromString(QString::fromLatin1(t), QLatin1String(kRealDateFormat));
+    auto num = [&](int from, int len) { return t.mid(from, len).toInt(); };
+    return QDateTime(QDate(num(0, 4), num(5, 2), num(8, 2)),
+                     QTime(num(11, 2), num(14, 2), num(17, 2)));
+}
+
+IndexRow readIndex(SQLite::Statement& st) {
+    IndexRow r;
+    r.id = st.getColumn(0).getInt();
+    r.subject = SqliteDb::columnBytes(st, 1);
+    r.from = SqliteDb::columnBytes(st, 2);
+    r.date = SqliteDb::columnBytes(st, 3);
+    r.to = SqliteDb::columnBytes(st, 4);
+    r.attachments = st.getColumn(5).getInt();
+    r.readed = qint16(st.getColumn(6).getInt());
+    r.realDate = parseRealDate(SqliteDb::columnBytes(st, 7));
+    return r;
+}
+
+constexpr const char* kIndexColumns =
+    R"("ID", "Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")";
+
+// The destination of a move is attached to the source's connection, so each
+// of the three tables moves in one transaction over both files.
+void attachDestination(SqliteDb& src, const QString& destPath) {
+    if (!QFileInfo::exists(destPath))
+        throw SqliteError(destPath, QStringLiteral("the file does not exist"));
+    try {
+        SQLite::Statement st(src.db(), "ATTACH DATABASE ? AS dest");
+        st.bind(1, QFile::encodeName(destPath).toStdString());
+        st.exec();
+    } catch (const std::exception& e) {
+        throw SqliteError(destPath, QString::fromUtf8(e.what()));
+    }
+}
+
+} // namespace
+
+MailStore::MailStore(QString programDir, const Clock& clock, MessageSink& messages)
+    : m_programDir(std::move(programDir)), m_clock(clock), m_messages(messages) {}
+
+QString MailStore::mailRoot() const {
+    QString root = resolvePath(m_programDir + QStringLiteral("\\Email"));
+    if (!root.endsWith(QLatin1Char('/')))
+        root += QLatin1Char('/');
+    return root;
+}
+
+QString MailStore::folderDir(QByteArrayView folder) const {
+    QString dir = resolvePath(mailRoot() + Cp1252::toUnicode(folder));
+    if (!dir.endsWith(QLatin1Char('/')))
+        dir += QLatin1Char('/');
+    return dir;
+}
+
+QString MailStore::databasePath(QByteArrayView folder, const QString& fileName) const {
+    return resolvePath(folderDir(folder) + fileName);
+}
+
+QString MailStore::tempDir() const {
+    return resolvePath(m_programDir + QStringLiteral("\\EmailTemp"));
+}
+
+QList<QByteArray> MailStore::MailStoreStartup(IniHelpers& ini) {
+    QDir().mkpath(tempDir());
+    for (const QByteArray& k : {kInbox, kOutbox, kSent, kDeleted}) {
+        if (!missingOrEmpty(databasePath(k, kDataFile)))
+            continue;
+        QDir().mkpath(folderDir(k));
+        CreateDataDatabase(k);
+        CreateIndexDatabase(k);
+        CreateAttachmentsDatabase(k);
+    }
+
+    QSaveFile page(blankPagePath());
+    if (page.open(QIODevice::WriteOnly)) {
+        page.write(kBlankPage);
+        page.commit();
+    }
+
+    QList<QByteArray> accounts;
+    const QString accountsFile =
+        resolvePath(m_programDir + QStringLiteral("\\email\\accounts.ini"));
+    for (int i = 0; ini.ReadIniKey("Email", QByteArray::number(i), accountsFile); ++i)
+        accounts.append(ini.IniValue);
+    return accounts;
+}
+
+void MailStore::createDatabase(QByteArrayView folder, const QString& fileName, const char* schema) {
+    const QString path = databasePath(folder, fileName);
+    if (!missingOrEmpty(path))
+        return;
+    QFile::remove(path); // an empty file is not a database yet
+    try {
+        SqliteDb::create(path, schema);
+    } catch (const SqliteError&) {
+        // Ignored like every set-up error: the folder's operations will
+        // report the missing database when they need it.
+    }
+}
+
+void MailStore::CreateDataDatabase(QByteArrayView folder) {
+    createDatabase(folder, kDataFile, kDataSchema);
+}
+void MailStore::CreateIndexDatabase(QByteArrayView folder) {
+    createDatabase(folder, kIndexFile, kIndexSchema);
+}
+void MailStore::CreateAttachmentsDatabase(QByteArrayView folder) {
+    createDatabase(folder, kAttachmentsFile, kAttachmentsSchema);
+}
+
+void MailStore::report(QByteArrayView folder, const QString& file, const QString& reason) {
+    m_messages.showMessage(QStringLiteral("The mail folder \"%1\" could not be used.\n%2: %3")
+                               .arg(Cp1252::toUnicode(folder), QFileInfo(file).fileName(), reason),
+                           kMessageTitle, MessageSink::Icon::Critical);
+}
+
+template <typename Fn> bool MailStore::guarded(QByteArrayView folder, Fn&& fn) {
+    try {
+        fn();
+        return true;
+    } catch (const SqliteError& e) {
+        report(folder, e.file(), e.reason());
+    } catch (const std::exception& e) {
+        report(folder, folderDir(folder), QString::fromUtf8(e.what()));
+    }
+    return false;
+}
+
+qint32 MailStore::insertIndexRow(SqliteDb& db, const IndexRow& row, const NewIndexFields& fields) {
+    return db.run([&](SQLite::Database& d) {
+        QByteArray columns = R"("Attachments", "Readed", "RealDate")";
+        QByteArray values = "?, ?, ?";
+        const std::pair<const char*, const std::optional<QByteArray>*> named[] = {
+            {R"("Subject")", &fields.subject},
+            {R"("From")", &fields.from},
+            {R"("Date")", &fields.date},
+            {R"("To")", &fields.to}};
+        std::vector<QByteArray> cut;
+        cut.reserve(4);
+        for (const auto& [name, value] : named) {
+            if (!value->has_value())
+                continue;
+            columns += QByteArray(", ") + name;
+            values += ", ?";
+            cut.push_back(fieldText(**value));
+        }
+        SQLite::Statement st(
+            d, ("INSERT INTO \"Index\" (" + columns + ") VALUES (" + values + ")").toStdString());
+        st.bind(1, row.attachments);
+        st.bind(2, int(row.readed));
+        st.bind(3, row.realDate.toString(QLatin1String(kRealDateFormat)).toStdString());
+        for (size_t i = 0; i < cut.size(); ++i)
+            SqliteDb::bindBytes(st, int(4 + i), cut[i]);
+        st.exec();
+        return qint32(d.getLastInsertRowid());
+    });
+}
+
+std::optional<qint32> MailStore::createMessage(QByteArrayView folder, const NewIndexFields& fields,
+                                               const MessageRow& bodies,
+                                               const std::vector<AttachmentRow>& attachments) {
+    std::optional<qint32> id;
+    // The index row is committed on its own first: whatever fails later,
+    // the message is listed and can be deleted.
+    if (!guarded(folder, [&] {
+            SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+            IndexRow row;
+            row.realDate = m_clock.now();
+            id = insertIndexRow(db, row, fields);
+        }))
+        return std::nullopt;
+
+    const bool bodiesStored = guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kDataFile), m_busyTimeoutMs);
+        db.run([&](SQLite::Database& d) {
+            SQLite::Statement st(
+                d,
+                R"(INSERT OR REPLACE INTO "Message" ("ID", "Text", "Html", "Headers") VALUES (?, ?, ?, ?))");
+            st.bind(1, *id);
+            SqliteDb::bindBytesOrNull(st, 2, bodies.text);
+            SqliteDb::bindBytesOrNull(st, 3, bodies.html);
+            SqliteDb::bindBytesOrNull(st, 4, bodies.headers);
+            st.exec();
+        });
+    });
+    if (!bodiesStored || attachments.empty())
+        return id;
+
+    qint32 stored = 0;
+    guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kAttachmentsFile), m_busyTimeoutMs);
+        db.run([&](SQLite::Database& d) {
+            SQLite::Statement st(
+                d, R"(INSERT INTO "Attachments" ("ID", "Filename", "Data") VALUES (?, ?, ?))");
+            for (const AttachmentRow& a : attachments) {
+                st.reset();
+                st.bind(1, *id);
+                SqliteDb::bindBytes(st, 2, fieldText(a.filename));
+                SqliteDb::bindBytesOrNull(st, 3, a.data);
+                st.exec();
+            }
+        });
+        stored = qint32(attachments.size());
+    });
+    if (stored > 0)
+        guarded(folder, [&] {
+            SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+            db.run([&](SQLite::Database& d) {
+                SQLite::Statement st(d, R"(UPDATE "Index" SET "Attachments" = ? WHERE "ID" = ?)");
+                st.bind(1, stored);
+                st.bind(2, *id);
+                st.exec();
+            });
+        });
+    return id;
+}
+
+bool MailStore::DeleteMessage(QByteArrayView folder, qint32 id) {
+    const std::pair<QString, const char*> steps[] = {
+        {kIndexFile, R"(DELETE FROM "Index" WHERE "ID" = ?)"},
+        {kDataFile, R"(DELETE FROM "Message" WHERE "ID" = ?)"},
+        {kAttachmentsFile, R"(DELETE FROM "Attachments" WHERE "ID" = ?)"}};
+    return guarded(folder, [&] {
+        for (const auto& [file, sql] : steps) {
+            SqliteDb db(databasePath(folder, file), m_busyTimeoutMs);
+            db.run([&](SQLite::Database& d) {
+                SQLite::Statement st(d, sql);
+                st.bind(1, id);
+                st.exec();
+            });
+        }
+    });
+}
+
+std::optional<qint32> MailStore::MoveMessage(QByteArrayView from, QByteArrayView to, qint32 id) {
+    // Two keys may name one folder (the names compare without regard to
+    // case): moving a message onto itself leaves it where it is.
+    if (folderDir(from) == folderDir(to))
+        return readIndexRow(from, id) ? std::optional<qint32>(id) : std::nullopt;
+    std::optional<qint32> newId;
+    const bool ok = guarded(from, [&] {
+        {
+            SqliteDb src(databasePath(from, kIndexFile), m_busyTimeoutMs);
+            attachDestination(src, databasePath(to, kIndexFile));
+            newId = src.run([&](SQLite::Database& d) -> std::optional<qint32> {
+                SQLite::Statement copy(
+                    d,
+                    R"(INSERT INTO dest."Index" ("Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")
+                          SELECT "Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate"
+                          FROM main."Index" WHERE "ID" = ?)");
+                copy.bind(1, id);
+                if (copy.exec() == 0)
+                    return std::nullopt;
+                const qint32 moved = qint32(d.getLastInsertRowid());
+                SQLite::Statement del(d, R"(DELETE FROM main."Index" WHERE "ID" = ?)");
+                del.bind(1, id);
+                del.exec();
+                return moved;
+            });
+        }
+        if (!newId)
+            return;
+        const std::pair<QString, const char*> steps[] = {
+            {kDataFile, R"(INSERT OR REPLACE INTO dest."Message" ("ID", "Text", "Html", "Headers")
+                           SELECT ?, "Text", "Html", "Headers" FROM main."Message" WHERE "ID" = ?;
+                           DELETE FROM main."Message" WHERE "ID" = ?)"},
+            {kAttachmentsFile, R"(INSERT INTO dest."Attachments" ("ID", "Filename", "Data")
+                                  SELECT ?, "Filename", "Data" FROM main."Attachments" WHERE "ID" = ? ORDER BY rowid;
+                                  DELETE FROM main."Attachments" WHERE "ID" = ?)"}};
+        for (const auto& [file, sql] : steps) {
+            SqliteDb src(databasePath(from, file), m_busyTimeoutMs);
+            attachDestination(src, databasePath(to, file));
+            const QList<QByteArray> statements = QByteArray(sql).split(';');
+            src.run([&](SQLite::Database& d) {
+                SQLite::Statement copy(d, statements[0].toStdString());
+                copy.bind(1, *newId);
+                copy.bind(2, id);
+                copy.exec();
+                SQLite::Statement del(d, statements[1].toStdString());
+                del.bind(1, id);
+                del.exec();
+            });
+        }
+    });
+    return ok ? newId : std::nullopt;
+}
+
+std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
+    std::vector<IndexRow> rows;
+    guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+        db.run(
+            [&](SQLite::Database& d) {
+                SQLite::Statement st(d, std::string("SELECT ") + kIndexColumns +
+                                            R"( FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
+                while (st.executeStep())
+                    rows.push_back(readIndex(st));
+            },
+            false);
+    });
+    return rows;
+}
+
+QList<QByteArray> MailStore::FillOutboxList() {
+    QList<QByteArray> lines;
+    guarded(kOutbox, [&] {
+        SqliteDb db(databasePath(kOutbox, kIndexFile), m_busyTimeoutMs);
+        db.run(
+            [&](SQLite::Database& d) {
+                SQLite::Statement st(d, R"(SELECT "From", "ID" FROM "Index" ORDER BY "ID")");
+                while (st.executeStep())
+                    lines.append(SqliteDb::columnBytes(st, 0) + '|' +
+                                 QByteArray::number(st.getColumn(1).getInt()));
+            },
+            false);
+    });
+    return lines;
+}
+
+std::optional<IndexRow> MailStore::readIndexRow(QByteArrayView folder, qint32 id) {
+    std::optional<IndexRow> row;
+    guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+        db.run(
+            [&](SQLite::Database& d) {
+                SQLite::Statement st(d, std::string("SELECT ") + kIndexColumns +
+                                            R"( FROM "Index" WHERE "ID" = ?)");
+                st.bind(1, id);
+                if (st.executeStep())
+                    row = readIndex(st);
+            },
+            false);
+    });
+    return row;
+}
+
+std::optional<MessageRow> MailStore::readMessageRow(QByteArrayView folder, qint32 id) {
+    std::optional<MessageRow> row;
+    guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kDataFile), m_busyTimeoutMs);
+        db.run(
+            [&](SQLite::Database& d) {
+                SQLite::Statement st(
+                    d, R"(SELECT "ID", "Text", "Html", "Headers" FROM "Message" WHERE "ID" = ?)");
+                st.bind(1, id);
+                if (st.executeStep())
+                    row = MessageRow{st.getColumn(0).getInt(), SqliteDb::columnBytes(st, 1),
+                                     SqliteDb::columnBytes(st, 2), SqliteDb::columnBytes(st, 3)};
+            },
+            false);
+    });
+    return row;
+}
+
+std::vector<AttachmentRow> MailStore::readAttachments(QByteArrayView folder, qint32 id) {
+    std::vector<AttachmentRow> rows;
+    guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kAttachmentsFile), m_busyTimeoutMs);
+        db.run(
+            [&](SQLite::Database& d) {
+                SQLite::Statement st(
+                    d,
+                    R"(SELECT "Filename", "Data" FROM "Attachments" WHERE "ID" = ? ORDER BY rowid)");
+                st.bind(1, id);
+                while (st.executeStep())
+                    rows.push_back({SqliteDb::columnBytes(st, 0), SqliteDb::columnBytes(st, 1)});
+            },
+            false);
+    });
+    return rows;
+}
+
+bool MailStore::setReaded(QByteArrayView folder, qint32 id, qint16 readed) {
+    return guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+        db.run([&](SQLite::Database& d) {
+            SQLite::Statement st(d, R"(UPDATE "Index" SET "Readed" = ? WHERE "ID" = ?)");
+            st.bind(1, int(readed));
+            st.bind(2, id);
+            st.exec();
+        });
+    });
+}
+
+} // namespace mirel

@@ -1,0 +1,216 @@
+#include "platform/MimeMessage.h"
+
+#include "platform/GMimeRuntime.h"
+#include "platform/TransferDecoder.h"
+
+#include <algorithm>
+#include <gmime/gmime.h>
+
+namespace mirel {
+namespace {
+
+template <typename T> struct Unref {
+    void operator()(T* p) const {
+        if (p)
+            g_object_unref(p);
+    }
+};
+template <typename T> using GPtr = std::unique_ptr<T, Unref<T>>;
+
+// Folded lines join into one; the line breaks themselves go.
+QByteArray unfold(const char* text) {
+    QByteArray v(text ? text : "");
+    v.removeIf([](char c) { return c == '\r' || c == '\n'; });
+    return v;
+}
+
+QByteArray rawHeader(GMimeObject* obj, const char* name) {
+    GMimeHeaderList* list = g_mime_object_get_header_list(obj);
+    GMimeHeader* h = list ? g_mime_header_list_get_header(list, name) : nullptr;
+    return h ? unfold(g_mime_header_get_raw_value(h)).trimmed() : QByteArray();
+}
+
+QByteArray streamBytes(GMimeStream* stream) {
+    GPtr<GMimeStream> mem(g_mime_stream_mem_new());
+    g_mime_stream_reset(stream);
+    g_mime_stream_write_to_stream(stream, mem.get());
+    GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(mem.get()));
+    return QByteArray(reinterpret_cast<const char*>(bytes->data), qsizetype(bytes->len));
+}
+
+// GMime writes a container out again rather than handing back its bytes;
+// it is written with the line ends the message itself uses.
+QByteArray contentAsTransmitted(GMimeObject* obj, GMimeFormatOptions* format) {
+    if (GMIME_IS_PART(obj)) {
+        GMimeDataWrapper* content = g_mime_part_get_content(GMIME_PART(obj));
+        GMimeStream* stream = content ? g_mime_data_wrapper_get_stream(content) : nullptr;
+        return stream ? streamBytes(stream) : QByteArray();
+    }
+    GPtr<GMimeStream> mem(g_mime_stream_mem_new());
+    g_mime_object_write_content_to_stream(obj, format, mem.get());
+    GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(mem.get()));
+    return QByteArray(reinterpret_cast<const char*>(bytes->data), qsizetype(bytes->len));
+}
+
+// The media type as written. A value that is not "type/subtype" reads as
+// text/plain, as MIME prescribes for a syntax error, where GMime would
+// take it for application/octet-stream.
+bool parseMediaType(const QByteArray& contentType, MimeEntity& e) {
+    const qsizetype semi = contentType.indexOf(';');
+    const QByteArray value = (semi < 0 ? contentType : contentType.first(semi)).trimmed();
+    const qsizetype slash = value.indexOf('/');
+    const QByteArray type = value.left(slash).trimmed().toLower();
+    const QByteArray subtype = value.mid(slash + 1).trimmed().toLower();
+    if (slash <= 0 || type.isEmpty() || subtype.isEmpty() || type.contains(' ') ||
+        subtype.contains(' ')) {
+        e.type = QByteArrayLiteral("text");
+        e.subtype = QByteArrayLiteral("plain");
+        return false;
+    }
+    e.type = type;
+    e.subtype = subtype;
+    return true;
+}
+
+MimeEntity build(GMimeObject* obj, int level, int depth, GMimeFormatOptions* format) {
+    MimeEntity e;
+    const QByteArray contentType = rawHeader(obj, "Content-Type");
+    if (contentType.isEmpty()) {
+        // No header: the default of the context (message/rfc822 inside a
+        // digest), which GMime knows.
+        if (GMimeContentType* ct = g_mime_object_get_content_type(obj)) {
+            if (const char* t = g_mime_content_type_get_media_type(ct))
+                e.type = QByteArray(t).toLower();
+            if (const char* s = g_mime_content_type_get_media_subtype(ct))
+                e.subtype = QByteArray(s).toLower();
+        }
+    } else {
+        parseMediaType(contentType, e);
+    }
+    if (const qsizetype semi = contentType.indexOf(';'); semi >= 0)
+        e.typeParameters = contentType.mid(semi + 1).trimmed();
+    e.transferEncoding = rawHeader(obj, "Content-Transfer-Encoding");
+
+    if (GMIME_IS_MULTIPART(obj) && level < depth) {
+        GMimeMultipart* mp = GMIME_MULTIPART(obj);
+        const int count = g_mime_multipart_get_count(mp);
+        e.parts.reserve(size_t(std::max(count, 0)));
+        for (int i = 0; i < count; ++i)
+            e.parts.push_back(build(g_mime_multipart_get_part(mp, i), level + 1, depth, format));
+    }
+    // A container whose boundary never shows has no parts; it is then
+    // read as the single part it is, with its text as transmitted.
+    if (e.parts.empty())
+        e.rawBody = contentAsTransmitted(obj, format);
+    return e;
+}
+
+struct Line {
+    gint64 offset;
+    QByteArray text;
+};
+
+void collectHeaders(GMimeObject* obj, std::vector<Line>& out) {
+    GMimeHeaderList* list = obj ? g_mime_object_get_header_list(obj) : nullptr;
+    if (!list)
+        return;
+    const int n = g_mime_header_list_get_count(list);
+    for (int i = 0; i < n; ++i) {
+        GMimeHeader* h = g_mime_header_list_get_header_at(list, i);
+        out.push_back({g_mime_header_get_offset(h), QByteArray(g_mime_header_get_name(h)) + ':' +
+                                                        unfold(g_mime_header_get_raw_value(h))});
+    }
+}
+
+} // namespace
+
+QByteArray MimeEntity::decodedBody() const {
+    return TransferDecoder::decode(rawBody, TransferDecoder::fromName(transferEncoding));
+}
+
+qsizetype MimeMessage::bodyOffset(QByteArrayView raw) {
+    // The header block ends at a blank line, which belongs to neither part,
+    // or at the first line that cannot be a header line, which is the
+    // first line of the body.
+    qsizetype pos = 0;
+    while (pos < raw.size()) {
+        qsizetype end = raw.indexOf('\n', pos);
+        end = end < 0 ? raw.size() : end + 1;
+        QByteArrayView line = raw.sliced(pos, end - pos);
+        if (line == "\n" || line == "\r\n")
+            return end;
+        const bool continuation = pos > 0 && (line[0] == ' ' || line[0] == '\t');
+        const bool envelope = pos == 0 && line.startsWith("From ");
+        if (!continuation && !envelope) {
+            qsizetype i = 0;
+            while (i < line.size() && line[i] != ':' && uchar(line[i]) > 32 && uchar(line[i]) < 127)
+                ++i;
+            if (i >= line.size() || line[i] != ':')
+                return pos;
+        }
+        pos = end;
+    }
+    return raw.size();
+}
+
+MimeMessage MimeMessage::parse(QByteArrayView raw, int depth) {
+    GMimeRuntime::ensure();
+    MimeMessage m;
+    m.m_body = raw.sliced(bodyOffset(raw)).toByteArray();
+
+    GPtr<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(raw.data(), size_t(raw.size())));
+    GPtr<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
+    g_mime_parser_set_format(parser.get(), GMIME_FORMAT_MESSAGE);
+    GPtr<GMimeMessage> message(g_mime_parser_construct_message(parser.get(), nullptr));
+    if (!message) {
+        m.m_root.rawBody = m.m_body;
+        return m;
+    }
+
+    GMimeObject* top = g_mime_message_get_mime_part(message.get());
+    std::vector<Line> lines;
+    collectHeaders(GMIME_OBJECT(message.get()), lines);
+    collectHeaders(top, lines);
+    std::stable_sort(lines.begin(), lines.end(),
+                     [](const Line& a, const Line& b) { return a.offset < b.offset; });
+    // Should a header be listed by both objects, it is still one line.
+    lines.erase(std::unique(lines.begin(), lines.end(),
+                            [](const Line& a, const Line& b) {
+                                return a.offset >= 0 && a.offset == b.offset && a.text == b.text;
+                            }),
+                lines.end());
+    for (Line& l : lines)
+        m.m_headerLines.append(std::move(l.text));
+
+    if (top) {
+        GMimeFormatOptions* format = g_mime_format_options_new();
+        const qsizetype lf = raw.indexOf('\n');
+        g_mime_format_options_set_newline_format(format, lf > 0 && raw[lf - 1] == '\r'
+                                                             ? GMIME_NEWLINE_FORMAT_DOS
+                                                             : GMIME_NEWLINE_FORMAT_UNIX);
+        m.m_root = build(top, 0, depth, format);
+        g_mime_format_options_free(format);
+    }
+    // GMime renders a container without parts with line ends of its own;
+    // at the top the body as fetched is at hand, byte for byte.
+    if (m.m_root.parts.empty())
+        m.m_root.rawBody = m.m_body;
+    return m;
+}
+
+QByteArray MimeMessage::header(QByteArrayView name) const {
+    for (const QByteArray& line : m_headerLines) {
+        const qsizetype colon = line.indexOf(':');
+        if (colon == name.size() &&
+            QByteArrayView(line).first(colon).compare(name, Qt::CaseInsensitive) == 0) {
+            QByteArray v = line.mid(colon + 1);
+            qsizetype skip = 0;
+            while (skip < v.size() && (v[skip] == ' ' || v[skip] == '\t'))
+                ++skip;
+            return v.mid(skip);
+        }
+    }
+    return {};
+}
+
+} // namespace mirel

@@ -1,0 +1,62 @@
+#include "platform/SqliteDb.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <SQLiteCpp/Transaction.h>
+
+namespace mirel {
+
+SqliteDb::SqliteDb(const QString& path, int busyTimeoutMs) : m_path(path) {
+    // SQLite would create a missing file on open; a missing database is a
+    // failure of the operation that needs it, not a new empty file.
+    if (!QFileInfo::exists(path))
+        throw SqliteError(path, QStringLiteral("the file does not exist"));
+    try {
+        m_db = std::make_unique<SQLite::Database>(QFile::encodeName(path).toStdString(),
+                                                  SQLite::OPEN_READWRITE, busyTimeoutMs);
+    } catch (const std::exception& e) {
+        fail(e);
+    }
+}
+
+void SqliteDb::create(const QString& path, const char* schemaSql) {
+    try {
+        SQLite::Database db(QFile::encodeName(path).toStdString(),
+                            SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+        SQLite::Transaction tx(db);
+        db.exec(schemaSql);
+        tx.commit();
+    } catch (const std::exception& e) {
+        throw SqliteError(path, QString::fromUtf8(e.what()));
+    }
+}
+
+void SqliteDb::bindBytes(SQLite::Statement& st, int index, const QByteArray& bytes) {
+    // A zero-length BLOB needs a non-null pointer, or SQLite stores NULL.
+    static const char kEmpty = 0;
+    st.bind(index, bytes.isEmpty() ? static_cast<const void*>(&kEmpty) : bytes.constData(),
+            int(bytes.size()));
+}
+
+void SqliteDb::bindBytesOrNull(SQLite::Statement& st, int index, const QByteArray& bytes) {
+    if (bytes.isEmpty())
+        st.bind(index);
+    else
+        bindBytes(st, index, bytes);
+}
+
+QByteArray SqliteDb::columnBytes(SQLite::Statement& st, int index) {
+    SQLite::Column c = st.getColumn(index);
+    if (c.isNull())
+        return {};
+    // Raw bytes whatever the stored type: text written by another program
+    // reads back as its bytes.
+    const void* blob = c.getBlob();
+    return QByteArray(static_cast<const char*>(blob), c.getBytes());
+}
+
+void SqliteDb::fail(const std::exception& e) const {
+    throw SqliteError(m_path, QString::fromUtf8(e.what()));
+}
+
+} // namespace mirel

@@ -1,0 +1,255 @@
+#include "mail/mime/ReceivedMessageStore.h"
+#include "TestSupport.h"
+#include "mail/store/DuplicateDetector.h"
+#include "mail/store/MailStore.h"
+#include "platform/SettingsStore.h"
+#include "settings/IniHelpers.h"
+
+#include <QElapsedTimer>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+const QByteArray kHead = "From: \"Ann\" <ann@example.org>\r\nTo: bob@example.net\r\n"
+                         "Subject: Test\r\nDate: Sun, 22 Nov 2026 10:00:00 +0100\r\n"
+                         "MIME-Version: 1.0\r\n";
+
+QByteArray multipart(const QByteArray& type, const QByteArray& boundary,
+                     const QList<QByteArray>& parts, bool close = true) {
+    QByteArray out = "Content-Type: multipart/" + type + "; boundary=\"" + boundary + "\"\r\n\r\n";
+    for (const QByteArray& p : parts)
+        out += "--" + boundary + "\r\n" + p + "\r\n";
+    if (close)
+        out += "--" + boundary + "--\r\n";
+    return out;
+}
+
+QByteArray part(const QByteArray& type, const QByteArray& body, const QByteArray& extra = {}) {
+    return "Content-Type: " + type + "\r\n" + extra + "\r\n" + body;
+}
+
+class ReceivedMessageStoreTest : public ::testing::Test {
+  protected:
+    TempDir dir;
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0))};
+    RecordingMessageSink sink;
+    SettingsStore settings{dir.file("config")};
+    IniHelpers ini{sink, settings};
+    MailStore store{dir.path(), clock, sink};
+    DuplicateDetector duplicates{ini, store.incomingRecordPath()};
+    ReceivedMessageStore received{store, duplicates};
+
+    void SetUp() override { store.MailStoreStartup(ini); }
+
+    struct Rows {
+        IndexRow index;
+        MessageRow message;
+        std::vector<AttachmentRow> attachments;
+    };
+    Rows storeMail(const QByteArray& raw) {
+        EXPECT_EQ(received.store(raw, "0"), ReceivedMessageStore::Result::Stored);
+        const qint32 id = received.lastId();
+        return {store.readIndexRow("0", id).value_or(IndexRow{}),
+                store.readMessageRow("0", id).value_or(MessageRow{}),
+                store.readAttachments("0", id)};
+    }
+};
+
+TEST_F(ReceivedMessageStoreTest, WalkKeepsFirstBodiesAndStoresTheRestAsAttachments) {
+    const QByteArray alt =
+        multipart("alternative", "alt",
+                  {part("text/plain", "plain body"), part("text/html", "<p>html body</p>")});
+    const struct {
+        const char* name;
+        QByteArray body; // everything after the common headers
+        QByteArray text, html;
+        std::vector<AttachmentRow> attachments;
+    } cases[] = {
+        {"single plain part", part("text/plain", "just text\r\n"), "just text\r\n", {}, {}},
+        {"alternative", alt, "plain body", "<p>html body</p>", {}},
+        {"alternative and a pdf, two levels",
+         multipart("mixed", "mix",
+                   {alt, part("application/pdf; name=\"r.pdf\"", "JVBERi0xLjQK",
+                              "Content-Transfer-Encoding: base64\r\n")}),
+         "plain body",
+         "<p>html body</p>",
+         {{"name=\"r.pdf\"", "%PDF-1.4\n"}}},
+        {"second text part is dropped",
+         multipart("mixed", "b", {part("text/plain", "first"), part("text/plain", "second")}),
+         "first",
+         {},
+         {}},
+        {"an empty first text part leaves room for the next",
+         multipart("mixed", "b", {part("text/plain", ""), part("text/plain", "second")}),
+         "second",
+         {},
+         {}},
+        {"encoding names are compared with case",
+         multipart(
+             "mixed", "b",
+             {part("application/pdf; name=\"raw.pdf\"", "JVBERi0xLjQK\r\n",
+                   "Content-Transfer-Encoding: Base64\r\n"),
+              part("text/plain", "caf=E9", "Content-Transfer-Encoding: Quoted-Printable\r\n")}),
+         "caf=E9",
+         {},
+         {{"name=\"raw.pdf\"", "JVBERi0xLjQK\r\n"}}},
+        {"quoted-printable is decoded",
+         part("text/plain; charset=iso-8859-1", "caf=E9 soft=\r\nbreak",
+              "Content-Transfer-Encoding: quoted-printable\r\n"),
+         "caf\xe9 softbreak",
+         {},
+         {}},
+        {"7bit image keeps its lines",
+         multipart("mixed", "b",
+                   {part("image/gif; name=\"a.gif\"", "GIF89a line\r\nline 2",
+                         "Content-Transfer-Encoding: 7bit\r\n")}),
+         {},
+         {},
+         {{"name=\"a.gif\"", "GIF89a line\r\nline 2"}}},
+        {"part without parameters",
+         multipart("mixed", "b", {part("application/octet-stream", "bytes")}),
+         {},
+         {},
+         {{"", "bytes"}}},
+        {"third level stays closed",
+         multipart(
+             "mixed", "l1",
+             {multipart("mixed", "l2",
+                        {part("text/plain", "level two"),
+                         multipart("alternative", "l3", {part("text/plain", "level three")})})}),
+         "level two",
+         {},
+         {{"boundary=\"l3\"",
+           "--l3\r\nContent-Type: text/plain\r\n\r\nlevel three\r\n--l3--\r\n"}}},
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Rows r =
+            storeMail(kHead + "Message-ID: <case" + QByteArray::number(++n) + "@x>\r\n" + c.body);
+        EXPECT_EQ(r.message.text, c.text);
+        EXPECT_EQ(r.message.html, c.html);
+        EXPECT_EQ(r.index.attachments, qint32(c.attachments.size()));
+        ASSERT_EQ(r.attachments.size(), c.attachments.size());
+        for (size_t i = 0; i < c.attachments.size(); ++i) {
+            EXPECT_EQ(r.attachments[i].filename, c.attachments[i].filename);
+            EXPECT_EQ(r.attachments[i].data, c.attachments[i].data);
+        }
+    }
+    EXPECT_TRUE(sink.shown.empty());
+}
+
+TEST_F(ReceivedMessageStoreTest, IndexFieldsAndHeaderLinesAreKeptAsReceived) {
+    const QByteArray raw = "Received: from relay\r\n\tby mx; Sun, 22 Nov 2026\r\n"
+                           "Content-Type: text/plain; charset=\"windows-1252\"\r\n"
+                           "Subject: " +
+                           QByteArray(" ") + QByteArray(254, 'x') +
+                           "   tail\r\n"
+                           "From:   \"D\xe9sir\xe9e\" <d@example.org>  \r\n"
+                           "Date: Sun, 22 Nov 2026 10:00:00 +0100  \r\n"
+                           "Content-Transfer-Encoding: 8bit\r\n"
+                           "\r\n"
+                           "Body in cp1252: \x93quoted\x94\r\n";
+    const Rows r = storeMail(raw);
+    EXPECT_EQ(r.index.subject, QByteArray(254, 'x')); // cut to 255, then trimmed
+    EXPECT_EQ(r.index.from, QByteArray("\"D\xe9sir\xe9e\" <d@example.org>"));
+    EXPECT_EQ(r.index.date, QByteArray("Sun, 22 Nov 2026 10:00:00 +0100  "));
+    EXPECT_EQ(r.index.to, QByteArray());
+    EXPECT_EQ(r.index.realDate, clock.now());
+    EXPECT_EQ(r.message.text, QByteArray("Body in cp1252: \x93quoted\x94\r\n"));
+    // In the order written, Content-* lines among the others, folds joined.
+    const QList<QByteArray> lines = r.message.headers.split('\n');
+    ASSERT_EQ(lines.size(), 7);
+    EXPECT_EQ(lines[0], "Received: from relay\tby mx; Sun, 22 Nov 2026\r");
+    EXPECT_TRUE(lines[1].startsWith("Content-Type: text/plain"));
+    EXPECT_TRUE(lines[2].startsWith("Subject: "));
+    EXPECT_EQ(lines[5], "Content-Transfer-Encoding: 8bit\r");
+    EXPECT_TRUE(r.message.headers.endsWith("\r\n"));
+}
+
+TEST_F(ReceivedMessageStoreTest, TheSameMessageFetchedTwiceIsStoredOnce) {
+    const QByteArray raw = kHead + "Message-ID: <twice@example.org>\r\n\r\nHello\r\n";
+    EXPECT_TRUE(received.StoreReceivedMessage(raw, "0"));
+    EXPECT_FALSE(received.StoreReceivedMessage(raw, "0"));
+    EXPECT_EQ(store.FillMessageIndexList("0").size(), 1u);
+    // Without an ID, the first 14 bytes of the body decide.
+    EXPECT_TRUE(received.StoreReceivedMessage(kHead + "\r\nThe same start, one", "0"));
+    EXPECT_FALSE(received.StoreReceivedMessage(kHead + "\r\nThe same start, two", "0"));
+    EXPECT_EQ(store.FillMessageIndexList("0").size(), 2u);
+}
+
+TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
+    QByteArray deep = part("text/plain", "bottom");
+    for (int i = 0; i < 50; ++i)
+        deep = multipart("mixed", "d" + QByteArray::number(i), {deep});
+    // Thousands of levels, none of them closed.
+    QByteArray abyss = kHead + "Content-Type: multipart/mixed; boundary=\"b0\"\r\n\r\n";
+    for (int i = 1; i < 5000; ++i)
+        abyss += "--b" + QByteArray::number(i - 1) +
+                 "\r\nContent-Type: multipart/mixed; boundary=\"b" + QByteArray::number(i) +
+                 "\"\r\n\r\n";
+    abyss += "--b4999\r\nContent-Type: text/plain\r\n\r\nbottom\r\n";
+    QByteArray nul = kHead + "\r\nbefore";
+    nul += '\0';
+    nul += "after\r\n";
+    const QByteArray open = multipart("mixed", "never", {part("text/plain", "unclosed")}, false);
+
+    const struct {
+        const char* name;
+        QByteArray raw;
+        QByteArray text;
+        int attachments;
+    } cases[] = {
+        {"empty message", {}, {}, 0},
+        {"not MIME at all", "just some words\nwithout headers\n",
+         "just some words\nwithout headers\n", 0},
+        {"headers only", kHead, {}, 0},
+        {"truncated in a base64 part",
+         kHead + multipart("mixed", "t",
+                           {part("application/pdf", "JVBERi0xLj",
+                                 "Content-Transfer-Encoding: base64\r\n")},
+                           false)
+                     .chopped(4),
+         {},
+         1},
+        {"boundary never closes", kHead + open, "unclosed\r\n", 0},
+        {"fifty levels of parts", kHead + deep, {}, 1},
+        {"five thousand open levels", abyss, {}, 1},
+        {"NUL bytes in the body", nul, QByteArray("before\0after\r\n", 14), 0},
+        {"base64 garbage",
+         kHead + part("text/plain", "!!!*** not base64 at all ***",
+                      "Content-Transfer-Encoding: base64\r\n"),
+         {},
+         0}, // whatever the letters among the garbage make
+
+        {"one-megabyte header line",
+         "X-Long: " + QByteArray(1 << 20, 'h') + "\r\n" + kHead + "\r\nshort\r\n", "short\r\n", 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        QElapsedTimer timer;
+        timer.start();
+        QFile::remove(store.incomingRecordPath());
+        const Rows r = storeMail(c.raw);
+        EXPECT_LT(timer.elapsed(), 5000);
+        if (QByteArrayView(c.name) != "base64 garbage")
+            EXPECT_EQ(r.message.text, c.text);
+        EXPECT_EQ(r.index.attachments, c.attachments);
+        EXPECT_EQ(qint32(r.attachments.size()), c.attachments);
+    }
+    EXPECT_TRUE(sink.shown.empty());
+}
+
+TEST_F(ReceivedMessageStoreTest, FailureOfTheStoreIsReportedAndNotCountedAsStored) {
+    QFile::remove(store.databasePath("0", "index.mdb"));
+    EXPECT_EQ(received.store(kHead + "\r\nbody", "0"), ReceivedMessageStore::Result::Failed);
+    ASSERT_EQ(sink.shown.size(), 1u);
+    EXPECT_TRUE(sink.shown[0].text.contains("index.mdb"));
+    // Recorded before storing: the next fetch of it is a duplicate.
+    EXPECT_EQ(received.store(kHead + "\r\nbody", "0"), ReceivedMessageStore::Result::Duplicate);
+}
+
+} // namespace
