@@ -1,10 +1,396 @@
 #include "app/frmMain.h"
 
-namespace mirel {
+#include "app/BundledTheme.h"
+#include "app/CommandTable.h"
+#include "app/OpenCommand.h"
+#include "app/PasswordGate.h"
+#include "app/ShellValues.h"
+#include "app/SingleInstance.h"
+#include "app/SkinChoice.h"
+#include "app/WindowPlacement.h"
+#include "platform/Clock.h"
+#include "platform/Cp1252.h"
+#include "platform/MessageSink.h"
+#include "platform/SettingsStore.h"
+#include "settings/CommaList.h"
+#include "ui/LayoutEngine.h"
+#include "ui/SkinButton.h"
+#include "ui/SoundPlayer.h"
+#include "ui/frmInput.h"
 
-frmMain::frmMain(QWidget* parent) : QWidget(parent) {
-    setWindowTitle(QStringLiteral("TORVEX Terminal - Mirel"));
-    resize(1024, 600);
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QProcess>
+#include <QScreen>
+#include <QThread>
+#include <QUrl>
+#include <cstdio>
+
+namespace mirel {
+namespace {
+
+const QByteArray kDefaultDhtmlMessage =
+    "You need to install the additional DHTML libraries. Please visit the download section "
+    "of the TORVEX Terminal web site to get them.";
+
+// Screens whose general list shows organiser entries.
+bool isOrganiserScreen(const QByteArray& screen) {
+    static const QByteArray names[] = {"Address", "Agenda", "Calendar", "Logbook", "Notes", "Todo"};
+    for (const QByteArray& n : names) {
+        if (screen == n)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+frmMain::frmMain(SettingsStore& store, MessageSink& messages, const Clock& clock, QWidget* parent)
+    : SkinHost(parent, Qt::FramelessWindowHint), m_store(store), m_messages(messages),
+      m_clock(clock), m_ini(messages, store), m_poller(store) {
+    // The exit mailbox must work from creation on, even while start-up runs.
+    m_mailboxTimer.setInterval(500);
+    connect(&m_mailboxTimer, &QTimer::timeout, this, &frmMain::pollMailboxes);
+    m_mailboxTimer.start();
+}
+
+frmMain::~frmMain() = default;
+
+QString frmMain::terminalSkn() const {
+    return m_folders.themeFile(QStringLiteral("terminal.skn"));
+}
+
+bool frmMain::stopStarting() {
+    if (m_exitPending && !m_ended) {
+        m_starting = false;
+        ShutDown();
+    }
+    return m_ended;
+}
+
+frmMain::StartResult frmMain::Form_Load() {
+    m_starting = true;
+    m_ready = false;
+    state().defaultButtonCount = 0;
+
+    if (m_singleInstance) {
+        m_instance = std::make_unique<SingleInstance>(
+            SingleInstance::serverName(QFileInfo(m_store.fileFor(kFamilyApp)).absolutePath()));
+        // Wear another title while asking, so the earlier window is the only
+        // one with the main caption.
+        setWindowTitle(kSecondInstanceCaption);
+        if (!m_instance->claimOrRaiseOther()) {
+            m_mailboxTimer.stop();
+            m_starting = false;
+            m_ended = true;
+            return StartResult::AlreadyRunning;
+        }
+        connect(m_instance.get(), &SingleInstance::raiseRequested, this, &frmMain::bringToFront);
+    }
+    setWindowTitle(kMainCaption);
+
+    m_poller.reset();
+
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QRect workArea = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    setGeometry(mainWindowRect(m_store, workArea));
+
+    m_folders = Folders::fromStore(m_store);
+    if (m_themeCandidates.isEmpty())
+        m_themeCandidates = BundledTheme::candidates(QCoreApplication::applicationDirPath());
+    BundledTheme::installIfMissing(m_folders, BundledTheme::locate(m_themeCandidates));
+
+    m_controlBaseline = controlCount();
+
+    const int screenWidth = screen ? screen->geometry().width() : 1024;
+    m_folders.SkinName = chooseSkinName(m_ini, m_folders, screenWidth);
+
+    m_userPassword = m_store.GetSetting(kFamilyApp, "DEFAULT", "Password");
+
+    m_switches.read(m_ini, terminalSkn());
+    m_debug = std::make_unique<DebugLog>(m_clock, m_folders.ProgramDir, m_switches.DebugOn);
+    m_sounds = std::make_unique<SoundPlayer>(m_folders, m_ini);
+    setSoundPlayer(m_sounds.get());
+    m_engine = std::make_unique<LayoutEngine>(
+        SkinContext{m_folders, m_ini, m_sounds.get(), m_switches.Animated, m_switches.AnimDelay});
+
+    const QString skin = m_folders.skinFile();
+    m_dhtmlMessage =
+        m_ini.ReadIniKey("DEFAULT", "NoDhtmlEd", skin) ? m_ini.IniValue : kDefaultDhtmlMessage;
+    if (m_ini.ReadIniKey("DEFAULT", "BackGround", skin)) {
+        const Rgb c = parseRgb(m_ini.IniValue);
+        setBackgroundColour(QColor(c.r, c.g, c.b));
+    }
+    if (m_ini.ReadIniKey("DEFAULT", "StartupSound", skin))
+        play(m_ini.IniValue);
+
+    static const char* const folderKeys[] = {"defin", "defout", "defsnd", "defdel"};
+    for (int i = 0; i < 4; ++i) {
+        if (m_ini.ReadIniKey("EMAIL", folderKeys[i], skin))
+            m_mailFolderTitle[size_t(i)] = m_ini.IniValue;
+    }
+
+    prepareMailStore();
+    loadMailAccounts();
+
+    show();
+    QCoreApplication::processEvents();
+    if (stopStarting())
+        return StartResult::Ended;
+
+    m_engine->LayoutSection(*this, "DEFAULT", skin);
+    if (stopStarting())
+        return StartResult::Ended;
+    startHoverTimer();
+
+    prepareDataFolders();
+    readOverviewTexts();
+    loadAgenda();
+    showOverview();
+    prepareMailStore();
+    // The HTML editor is part of the toolkit here, so there is nothing to
+    // install and no message to show.
+
+    m_starting = false;
+    m_ready = true;
+    log("Ready");
+    if (qEnvironmentVariableIsSet(kReadyMarkerEnv)) {
+        std::printf("Ready\n");
+        std::fflush(stdout);
+    }
+    return StartResult::Ready;
+}
+
+void frmMain::pollMailboxes() {
+    if (m_ended || m_exitPending)
+        return;
+    MailboxPoller::Buttons buttons{
+        [this] { return state().buttonCount(); },
+        [this](int i) { return state().button(i).command; },
+        [this](int i) { ClickButton(i); },
+    };
+    if (m_poller.poll(m_ready, buttons) != MailboxPoller::Outcome::ShutDown)
+        return;
+    m_mailboxTimer.stop();
+    if (m_starting || m_busy.busy()) {
+        // Taking the window down under a running step would pull controls
+        // from under it; the step finishes first. An open dialog is closed
+        // as if cancelled, so that happens at once.
+        m_exitPending = true;
+        if (QWidget* modal = QApplication::activeModalWidget())
+            modal->close();
+        return;
+    }
+    ShutDown();
+}
+
+void frmMain::ClickButton(int index) {
+    if (m_ended || state().closing || !m_engine)
+        return;
+    if (index < 1 || index > state().buttonCount())
+        return;
+    {
+        BusyFlag::Scope busy(m_busy);
+        if (!busy.acquired())
+            return;
+        runClick(index);
+    }
+    // An exit request that came while the command ran (a dialog was open or
+    // a screen was building up) is carried out now that it has unwound.
+    if (m_exitPending && !m_starting && !m_ended)
+        ShutDown();
+}
+
+void frmMain::runClick(int index) {
+    // A copy: the command may switch screens and cut the table back.
+    const SkinButtonEntry entry = state().button(index);
+
+    const QByteArray section =
+        index <= state().defaultButtonCount ? QByteArrayLiteral("DEFAULT") : state().currentScreen;
+    if (PasswordGate::isProtected(m_ini, section, entry.keyNumber, m_folders.skinFile(),
+                                  m_folders.skinOverrideFile())) {
+        playTerminalSound("PassStartSound");
+        const QByteArray entered = askPassword();
+        if (m_exitPending || !PasswordGate::accepts(entered, m_userPassword)) {
+            playTerminalSound("PassFailSound");
+            return;
+        }
+        playTerminalSound("PassOkSound");
+        QCoreApplication::processEvents();
+        QThread::msleep(ulong(m_passwordPause));
+    }
+
+    play(entry.clickSound);
+    dispatch(entry.command);
+}
+
+QByteArray frmMain::askPassword() {
+    if (m_prompt)
+        return m_prompt();
+    frmInput dialog(*m_engine, true, this);
+    dialog.exec();
+    return dialog.InputResult();
+}
+
+void frmMain::dispatch(const QByteArray& command) {
+    const CommandMatch match = matchCommand(command);
+    if (!match.matched()) {
+        if (m_open)
+            m_open(command);
+        else
+            openWithDesktop(command);
+        return;
+    }
+    switch (match.command) {
+    case Command::Address:
+    case Command::Calendar:
+    case Command::Logbook:
+    case Command::Notes:
+    case Command::Todo:
+    case Command::Email:
+        ShowScreen(screenOf(match.command));
+        fillScreen(screenOf(match.command));
+        return;
+    case Command::Agenda:
+        ShowScreen("Agenda");
+        m_agendaViewMode = 1;
+        fillScreen("Agenda");
+        return;
+    case Command::AgendaPriority:
+        selectPriority(match.arg);
+        return;
+    case Command::Quit:
+        ShutDown();
+        return;
+    default:
+        notYetAvailable(match.name);
+        return;
+    }
+}
+
+void frmMain::ShowScreen(const QByteArray& name) {
+    if (!m_engine || name == state().currentScreen)
+        return;
+    if (!state().currentScreen.isEmpty())
+        m_engine->ClearScreen(*this);
+    state().currentScreen = name;
+    m_engine->LayoutSection(*this, name, m_folders.skinFile());
+    log("Screen " + name);
+}
+
+void frmMain::selectPriority(int priority) {
+    if (priority < 0 || priority >= int(state().tables.prioritySlots.size()))
+        return;
+    const int chosen = state().tables.prioritySlots[size_t(priority)];
+    const int previous = state().selectedPriorityButton;
+    if (previous != 0 && previous != chosen) {
+        if (SkinButton* b = button(previous))
+            b->setLit(false);
+    }
+    state().selectedPriorityButton = chosen;
+    if (SkinButton* b = button(chosen))
+        b->setLit(true);
+    agendaPriorityChosen(priority);
+}
+
+void frmMain::ShutDown() {
+    if (m_ended)
+        return;
+    m_ended = true;
+    m_ready = false;
+    m_mailboxTimer.stop();
+    hoverTimer().stop();
+    state().closing = true;
+    if (m_engine && !state().currentScreen.isEmpty())
+        m_engine->ClearScreen(*this);
+
+    if (m_folders.ProgramDir.size())
+        m_switches.readAnimation(m_ini, terminalSkn());
+    while (controlCount() > m_controlBaseline) {
+        const QWidget* last = control(controlCount());
+        if (m_switches.Animated && last && last->isVisible())
+            QThread::msleep(ulong(m_switches.AnimDelay));
+        removeLastControl();
+        QCoreApplication::processEvents();
+    }
+    log("Shut down");
+    hide();
+    QCoreApplication::exit(0);
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    // Closing the window by the desktop's means ends the program the same
+    // way "QUIT" does.
+    if (!m_ended)
+        ShutDown();
+    event->accept();
+}
+
+void frmMain::generalListReleased() {
+    const QByteArray screen = state().currentScreen;
+    if (!isOrganiserScreen(screen))
+        return;
+    if (m_ini.ReadIniKey(screen, "load", m_folders.skinFile()))
+        play(m_ini.IniValue);
+    showListEntry(screen);
+}
+
+void frmMain::overviewListReleased() {
+    if (m_ini.ReadIniKey("Overview", "load", m_folders.skinFile()))
+        play(m_ini.IniValue);
+    jumpFromOverview();
+}
+
+void frmMain::modeButtonClicked(int) {
+    refreshAgendaEditor();
+}
+
+void frmMain::openWithDesktop(const QByteArray& command) {
+    const OpenCommand open = OpenCommand::parse(command);
+    QString target;
+    switch (open.classify(m_folders.ProgramDir, &target)) {
+    case OpenCommand::Target::Program:
+        QProcess::startDetached(target, QProcess::splitCommand(Cp1252::toUnicode(open.parameters)),
+                                m_folders.ProgramDir);
+        break;
+    case OpenCommand::Target::Address:
+        QDesktopServices::openUrl(QUrl(target));
+        break;
+    case OpenCommand::Target::Document:
+        QDesktopServices::openUrl(QUrl::fromLocalFile(target));
+        break;
+    case OpenCommand::Target::Nothing:
+        log("Nothing to open for " + command);
+        break;
+    }
+}
+
+void frmMain::playTerminalSound(const char* key) {
+    if (m_ini.ReadIniKey("DEFAULT", key, terminalSkn()))
+        play(m_ini.IniValue);
+}
+
+void frmMain::play(const QByteArray& name) {
+    if (m_sounds && !name.isEmpty())
+        m_sounds->PlaySkinSound(name, false);
+}
+
+void frmMain::log(const QByteArray& line) const {
+    if (m_debug)
+        m_debug->WriteDebugLog(line);
+}
+
+void frmMain::notYetAvailable(const QByteArray& command) const {
+    log(command + " is not available in this version");
+}
+
+void frmMain::bringToFront() {
+    if (isMinimized())
+        showNormal();
+    raise();
+    activateWindow();
 }
 
 } // namespace mirel

@@ -1,0 +1,130 @@
+// Laying out a busy screen: a section of 60 control lines (buttons, pictures,
+// texts, labels and lists) through the INI helpers into a window, then
+// clearing it again, beside creating and deleting the same number of plain
+// widgets (the floor).
+#include "BenchMain.h"
+#include "platform/SettingsStore.h"
+#include "settings/Folders.h"
+#include "settings/IniHelpers.h"
+#include "skin/SkinLines.h"
+#include "ui/LayoutEngine.h"
+#include "ui/SkinHost.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <memory>
+
+using namespace mirel;
+
+namespace {
+
+constexpr int kControls = 60;
+
+struct NullSink final : MessageSink {
+    void showMessage(const QString&, const QString&, Icon) override {}
+    bool askYesNo(const QString&, const QString&) override { return false; }
+};
+
+QApplication& app() {
+    static int argc = 1;
+    static char name[] = "LayoutBench";
+    static char* argv[] = {name, nullptr};
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    static QApplication a(argc, argv);
+    return a;
+}
+
+struct Fixture {
+    QTemporaryDir dir;
+    NullSink sink;
+    SettingsStore store{dir.path() + QStringLiteral("/config")};
+    IniHelpers ini{sink, store};
+    Folders folders;
+    std::unique_ptr<LayoutEngine> engine;
+    QString skin;
+
+    Fixture() {
+        app();
+        folders.ProgramDir = dir.path();
+        folders.ThemeDir = QStringLiteral("\\theme\\");
+        QDir().mkpath(dir.path() + QStringLiteral("/theme"));
+        QImage pic(40, 20, QImage::Format_RGB32);
+        pic.fill(Qt::darkBlue);
+        pic.save(dir.path() + QStringLiteral("/theme/b.bmp"));
+        pic.save(dir.path() + QStringLiteral("/theme/p.bmp"));
+        QByteArray text = "[DEFAULT]\r\nBackGround=0,0,0\r\n[Busy]\r\n";
+        static const char* const kLines[] = {
+            "B,b.bmp,%1,10,40,20,click,click,0,COMMAND%1",
+            "P,p.bmp,%1,40,40,20",
+            "T,t,%1,70,80,20,255,255,255,0,0,0,Sans,9",
+            "LB,l,%1,100,80,16,0,0,0,255,255,255,Sans,8,Caption %1",
+            "L,list,%1,130,80,100,255,255,255,0,0,0,Sans,9",
+        };
+        for (int i = 1; i <= kControls; ++i) {
+            const QString line = QString::fromLatin1(kLines[i % 5]).arg(i * 12);
+            text += QByteArray(i < 10 ? "0" : "") + QByteArray::number(i) + "=" + line.toLatin1() +
+                    "\r\n";
+        }
+        skin = dir.path() + QStringLiteral("/theme/Mirel.skn");
+        QFile f(skin);
+        f.open(QIODevice::WriteOnly);
+        f.write(text);
+        f.close();
+        engine = std::make_unique<LayoutEngine>(SkinContext{folders, ini, nullptr, false, 0});
+    }
+};
+
+Fixture& fixture() {
+    static Fixture f;
+    return f;
+}
+
+void BM_LayoutBusyScreen(benchmark::State& state) {
+    Fixture& f = fixture();
+    SkinHost host;
+    host.resize(1024, 768);
+    for (auto _ : state) {
+        f.engine->LayoutSection(host, "Busy", f.skin);
+        f.engine->ClearScreen(host);
+    }
+    state.SetItemsProcessed(state.iterations() * kControls);
+}
+BENCHMARK(BM_LayoutBusyScreen)->Unit(benchmark::kMillisecond);
+
+// The reading part alone: the numbered lines with the override lookups.
+void BM_ReadSectionLines(benchmark::State& state) {
+    Fixture& f = fixture();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(SkinLines(f.ini).read("Busy", f.skin));
+    state.SetItemsProcessed(state.iterations() * kControls);
+}
+BENCHMARK(BM_ReadSectionLines)->Unit(benchmark::kMillisecond);
+
+void BM_PlainWidgetsFloor(benchmark::State& state) {
+    fixture();
+    QWidget host;
+    host.resize(1024, 768);
+    for (auto _ : state) {
+        std::vector<QLabel*> made;
+        for (int i = 0; i < kControls; ++i) {
+            auto* w = new QLabel(&host);
+            w->setGeometry(i * 12, 10, 40, 20);
+            w->show();
+            made.push_back(w);
+        }
+        for (auto it = made.rbegin(); it != made.rend(); ++it)
+            delete *it;
+    }
+    state.SetItemsProcessed(state.iterations() * kControls);
+}
+BENCHMARK(BM_PlainWidgetsFloor)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+MIREL_FLOOR(BM_LayoutBusyScreen, BM_PlainWidgetsFloor);
+MIREL_FLOOR(BM_ReadSectionLines, BM_PlainWidgetsFloor);

@@ -1,0 +1,47 @@
+#include "ui/SkinButton.h"
+
+#include "skin/SkinState.h"
+
+#include <QPainter>
+
+namespace mirel {
+
+SkinButton::SkinButton(int index, QWidget* parent) : QAbstractButton(parent), m_index(index) {
+    setFocusPolicy(Qt::NoFocus);
+    setMouseTracking(true);
+}
+
+void SkinButton::setPicture(const QString& path) {
+    m_path = path;
+    m_normal = QPixmap(path);
+    // The lit picture is loaded on first need: most buttons are never lit
+    // during a short screen visit, and a missing one must not cost a disk
+    // probe per button while a screen builds up.
+    m_lit = QPixmap();
+    m_litLoaded = false;
+    update();
+}
+
+void SkinButton::setLit(bool lit) {
+    if (lit && !m_litLoaded) {
+        m_lit = QPixmap(SkinState::litPicture(m_path));
+        m_litLoaded = true;
+    }
+    if (m_litShown != lit) {
+        m_litShown = lit;
+        update();
+    }
+}
+
+QSize SkinButton::sizeHint() const {
+    return m_normal.isNull() ? QSize(16, 16) : m_normal.size();
+}
+
+void SkinButton::paintEvent(QPaintEvent*) {
+    QPainter p(this);
+    const QPixmap& pic = m_litShown && !m_lit.isNull() ? m_lit : m_normal;
+    if (!pic.isNull())
+        p.drawPixmap(rect(), pic);
+}
+
+} // namespace mirel

@@ -1,0 +1,119 @@
+#include "app/CommandLine.h"
+#include "TestSupport.h"
+#include "app/BundledTheme.h"
+#include "app/ShellValues.h"
+#include "app/SingleInstance.h"
+#include "platform/SettingsStore.h"
+#include "settings/Folders.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QThread>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+
+TEST(CommandLine, OnlySendAndQuitAreOptions) {
+    using M = CommandLine::Mode;
+    struct Row {
+        QStringList args;
+        M mode;
+        QByteArray command;
+    };
+    const Row rows[] = {
+        {{}, M::Run, {}},
+        {{"--quit"}, M::Quit, {}},
+        {{"--send", "NOTES"}, M::Send, "NOTES"},
+        {{"--send", "\"/usr/bin/x y\" -a"}, M::Send, "\"/usr/bin/x y\" -a"},
+        {{"--send"}, M::Invalid, {}},
+        {{"--send", ""}, M::Invalid, {}},
+        {{"--quit", "now"}, M::Invalid, {}},
+        {{"--help"}, M::Invalid, {}},
+        {{"NOTES"}, M::Invalid, {}},
+    };
+    for (const Row& r : rows) {
+        const CommandLine c = CommandLine::parse(r.args);
+        EXPECT_EQ(c.mode, r.mode) << r.args.join(' ').toStdString();
+        EXPECT_EQ(c.command, r.command);
+    }
+}
+
+TEST(CommandLine, CommandsReadBackFromTheStoreUnchanged) {
+    test::TempDir dir;
+    SettingsStore store(dir.path());
+    for (const QByteArray& c :
+         {QByteArray("NOTES"), QByteArray("\"/bin/sh\" -c \"pwd\""), QByteArray("\"x\""),
+          QByteArray("\""), QByteArray(" lead"), QByteArray("trail\t"), QByteArray("a \"b\" c")}) {
+        store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, CommandLine::storedForm(c));
+        EXPECT_EQ(store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), c) << c.data();
+    }
+}
+
+TEST(CommandLine, SendNeedsARunningInstanceQuitDoesNot) {
+    test::TempDir dir;
+    SettingsStore store(dir.path());
+    const QString name = SingleInstance::serverName(dir.path());
+    QString message;
+
+    EXPECT_EQ(CommandLine::parse({"--send", "NOTES"}).deliver(store, name, &message), 1);
+    EXPECT_FALSE(message.isEmpty());
+    EXPECT_EQ(store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
+
+    EXPECT_EQ(CommandLine::parse({"--quit"}).deliver(store, name, &message), 0);
+    EXPECT_EQ(store.GetSetting(kFamilyApp, kExitSection, kExitKey), "1");
+}
+
+TEST(SingleInstance, SecondClaimRaisesTheFirst) {
+    test::TempDir dir;
+    const QString name = SingleInstance::serverName(dir.path());
+    EXPECT_NE(name, SingleInstance::serverName(dir.path() + "/other"));
+
+    SingleInstance first(name);
+    ASSERT_TRUE(first.claimOrRaiseOther());
+    int raised = 0;
+    QObject::connect(&first, &SingleInstance::raiseRequested, [&] { ++raised; });
+
+    // The other start runs in its own thread, as it would in its own process,
+    // while this one keeps serving.
+    bool secondClaimed = true;
+    bool pingAnswered = false;
+    QThread* other = QThread::create([&] {
+        SingleInstance second(name);
+        secondClaimed = second.claimOrRaiseOther();
+        pingAnswered = SingleInstance::ask(name, "ping");
+    });
+    other->start();
+    while (!other->isFinished())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    other->wait();
+    delete other;
+    QCoreApplication::processEvents();
+
+    EXPECT_FALSE(secondClaimed);
+    EXPECT_TRUE(pingAnswered);
+    EXPECT_EQ(raised, 1) << "a ping does not raise";
+}
+
+TEST(BundledTheme, CopiedOnceIntoAnEmptyThemeFolder) {
+    test::TempDir dir;
+    const QString source = dir.file("src/themes/Default");
+    QDir().mkpath(source + "/sounds");
+    test::writeAll(source + "/Terminal.skn", "[DEFAULT]\r\nSound=0\r\n");
+    test::writeAll(source + "/sounds/click.wav", "RIFF");
+    EXPECT_EQ(BundledTheme::locate({dir.file("nowhere"), source}), QDir::cleanPath(source));
+    EXPECT_EQ(BundledTheme::locate({dir.file("nowhere")}), QString());
+
+    Folders folders;
+    folders.ProgramDir = dir.file("prog");
+    folders.ThemeDir = QStringLiteral("\\themes\\Default\\");
+    ASSERT_TRUE(BundledTheme::installIfMissing(folders, source));
+    EXPECT_TRUE(QFileInfo(folders.themeFile("terminal.skn")).isFile());
+    EXPECT_EQ(test::readAll(dir.file("prog/themes/Default/sounds/click.wav")), "RIFF");
+
+    // The user's edits are theirs: a second start copies nothing.
+    test::writeAll(dir.file("prog/themes/Default/Terminal.skn"), "[DEFAULT]\r\nSound=1\r\n");
+    EXPECT_FALSE(BundledTheme::installIfMissing(folders, source));
+    EXPECT_EQ(test::readAll(dir.file("prog/themes/Default/Terminal.skn")),
+              "[DEFAULT]\r\nSound=1\r\n");
+}

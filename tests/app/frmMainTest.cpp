@@ -1,0 +1,294 @@
+#include "app/frmMain.h"
+#include "TestSupport.h"
+#include "app/ShellValues.h"
+#include "platform/Clock.h"
+#include "platform/SettingsStore.h"
+#include "skin/SkinState.h"
+#include "ui/SkinButton.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QListWidget>
+#include <QScreen>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+
+namespace {
+
+const QByteArray kSkin = "[DEFAULT]\r\n"
+                         "BackGround=10,20,30\r\n"
+                         "01=B,n.bmp,0,0,50,20,,,False,notes\r\n"
+                         "02=B,t.bmp,0,20,50,20,,,False,TODO\r\n"
+                         "03=B,c.bmp,0,40,50,20,,,False,Calendar2\r\n"
+                         "04=B,p.bmp,0,60,50,20,,,True,\"/opt/my tool\" -a\r\n"
+                         "05=B,r.bmp,0,80,50,20,,,False,RUNME\r\n"
+                         "06=B,r.bmp,0,100,50,20,,,False,RUNME\r\n"
+                         "07=B,q.bmp,0,-20,50,20,,,False,QUIT\r\n"
+                         "[EMAIL]\r\ndefin=In\r\ndefdel=Bin\r\n"
+                         "[Notes]\r\n"
+                         "01=L,notes,60,0,0,0,255,255,255,0,0,0,Sans,9\r\n"
+                         "02=B,a.bmp,60,100,50,20,,,False,NOTEADD\r\n"
+                         "[Todo]\r\n"
+                         "01=B0,p0.bmp,60,0,20,20,,,False,AGENDAP0\r\n"
+                         "02=B1,p1.bmp,80,0,20,20,,,False,AGENDAP1\r\n"
+                         "03=B,x.bmp,60,40,20,20,,,1,TODOADD\r\n";
+
+void spin(int ms) {
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+struct Main {
+    test::TempDir dir;
+    SettingsStore store{dir.file("config")};
+    test::RecordingMessageSink sink;
+    FixedClock clock{QDateTime(QDate(2024, 5, 1), QTime(9, 0))};
+    std::unique_ptr<frmMain> w;
+    QList<QByteArray> opened;
+    QList<QByteArray> prompts; // answers, consumed in order
+    int prompted = 0;
+
+    Main(const QByteArray& skin = kSkin) {
+        QDir().mkpath(dir.file("prog/theme"));
+        test::writeAll(dir.file("prog/theme/Mirel.skn"), skin);
+        test::writeAll(dir.file("prog/theme/terminal.skn"), "[DEFAULT]\r\nSound=0\r\nDebug=1\r\n");
+        store.SaveSetting(kFamilyApp, "Default", "ProgramDir", dir.file("prog").toUtf8());
+        store.SaveSetting(kFamilyApp, "Default", "ThemeDir", "\\theme\\");
+        store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, "left over");
+        store.SaveSetting(kFamilyApp, kExitSection, kExitKey, "1");
+    }
+    frmMain& start() {
+        w = std::make_unique<frmMain>(store, sink, clock);
+        w->setSingleInstanceEnabled(false);
+        w->setBundledThemeCandidates({dir.file("none")});
+        w->setPasswordPause(0);
+        w->setOpenHandler([this](const QByteArray& c) { opened << c; });
+        w->setPasswordPrompt([this] {
+            ++prompted;
+            return prompts.isEmpty() ? QByteArray() : prompts.takeFirst();
+        });
+        EXPECT_EQ(w->Form_Load(), frmMain::StartResult::Ready);
+        return *w;
+    }
+    int indexOf(const QByteArray& command) const {
+        for (int i = 1; i <= w->state().buttonCount(); ++i)
+            if (w->state().button(i).command == command)
+                return i;
+        return 0;
+    }
+    void click(const QByteArray& command) { w->ClickButton(indexOf(command)); }
+};
+
+} // namespace
+
+TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
+    Main m;
+    frmMain& w = m.start();
+    EXPECT_TRUE(w.Ready());
+    EXPECT_EQ(w.windowTitle(), kMainCaption);
+    EXPECT_EQ(w.folders().SkinName, "Mirel");
+    EXPECT_EQ(w.state().buttonCount(), 7);
+    EXPECT_EQ(w.state().defaultButtonCount, 7);
+    EXPECT_EQ(w.ControlBaseline(), 0);
+    EXPECT_EQ(w.palette().color(QPalette::Window), QColor(10, 20, 30));
+    EXPECT_EQ(w.MailFolderTitle()[0], "In");
+    EXPECT_EQ(w.MailFolderTitle()[1], "");
+    EXPECT_EQ(w.MailFolderTitle()[3], "Bin");
+    EXPECT_TRUE(w.DhtmlMessage().startsWith("You need to install the additional DHTML libraries."));
+    EXPECT_EQ(m.store.GetSetting(kFamilyApp, kExitSection, kExitKey), "0");
+    EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
+    EXPECT_TRUE(w.switches().DebugOn);
+    EXPECT_TRUE(test::readAll(m.dir.file("prog/debug.txt")).contains("Mirel: Ready"));
+}
+
+TEST(frmMain, ScreensSwitchOnceAndCommandsMatchWhole) {
+    Main m;
+    frmMain& w = m.start();
+    const int base = w.controlCount();
+
+    m.click("notes"); // lower case in the skin still matches
+    EXPECT_EQ(w.state().currentScreen, "Notes");
+    const int withNotes = w.controlCount();
+    EXPECT_EQ(withNotes, base + 2);
+    m.click("notes");
+    EXPECT_EQ(w.controlCount(), withNotes) << "the shown screen is not laid out twice";
+
+    m.click("TODO");
+    EXPECT_EQ(w.state().currentScreen, "Todo");
+    EXPECT_EQ(w.controlCount(), base + 3);
+    EXPECT_EQ(w.state().buttonCount(), 7 + 3);
+
+    m.click("Calendar2");
+    EXPECT_EQ(w.state().currentScreen, "Todo");
+    EXPECT_EQ(m.opened, QList<QByteArray>{"Calendar2"}) << "no match: started as written";
+}
+
+TEST(frmMain, PasswordGateGuardsProtectedButtons) {
+    Main m;
+    frmMain& w = m.start();
+
+    // Empty stored password: an empty entry opens.
+    m.click("\"/opt/my tool\" -a");
+    EXPECT_EQ(m.prompted, 1);
+    EXPECT_EQ(m.opened, QList<QByteArray>{"\"/opt/my tool\" -a"});
+
+    Main m2;
+    m2.store.SaveSetting(kFamilyApp, "DEFAULT", "Password", "Secret");
+    frmMain& w2 = m2.start();
+    EXPECT_EQ(w2.UserPassword(), "Secret");
+    m2.prompts = {"secret", "", "Secret"};
+    for (int i = 0; i < 3; ++i)
+        m2.click("\"/opt/my tool\" -a");
+    EXPECT_EQ(m2.prompted, 3);
+    EXPECT_EQ(m2.opened.size(), 1) << "only the exact password opens";
+
+    // The flag of a screen button is read from the screen's own section.
+    m2.click("TODO");
+    m2.prompts = {"wrong"};
+    m2.click("TODOADD");
+    EXPECT_EQ(m2.prompted, 4);
+    (void)w;
+}
+
+TEST(frmMain, ClicksDuringACommandAreDropped) {
+    Main m;
+    frmMain& w = m.start();
+    int nested = 0;
+    w.setPasswordPrompt([&] {
+        // The password dialog is modal: everything else is ignored meanwhile.
+        m.click("TODO");
+        m.click("RUNME");
+        ++nested;
+        return QByteArray();
+    });
+    m.click("\"/opt/my tool\" -a");
+    EXPECT_EQ(nested, 1);
+    EXPECT_EQ(w.state().currentScreen, "");
+    EXPECT_EQ(m.opened, QList<QByteArray>{"\"/opt/my tool\" -a"});
+    m.click("RUNME");
+    EXPECT_EQ(m.opened.size(), 2) << "the flag is cleared afterwards";
+}
+
+TEST(frmMain, CommandMailboxClicksEverySharingButtonInOneTick) {
+    Main m;
+    frmMain& w = m.start();
+    m.store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, "RUNME");
+    spin(700);
+    EXPECT_EQ(m.opened, (QList<QByteArray>{"RUNME", "RUNME"}));
+    EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
+
+    m.store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, "runme");
+    spin(700);
+    EXPECT_EQ(m.opened.size(), 2);
+    EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "runme");
+
+    m.store.SaveSetting(kFamilyApp, kExitSection, kExitKey, "1");
+    spin(700);
+    EXPECT_TRUE(w.ended());
+    EXPECT_EQ(w.controlCount(), w.ControlBaseline());
+}
+
+TEST(frmMain, PrioritySelectorLightsOneButton) {
+    Main m;
+    frmMain& w = m.start();
+    m.click("TODO");
+    const int p0 = w.state().tables.prioritySlots[0];
+    const int p1 = w.state().tables.prioritySlots[1];
+    ASSERT_GT(p0, 0);
+    ASSERT_GT(p1, 0);
+    m.click("AGENDAP0");
+    EXPECT_EQ(w.selectedPriorityButton(), p0);
+    EXPECT_TRUE(w.button(p0)->isLit());
+    m.click("AGENDAP1");
+    EXPECT_EQ(w.selectedPriorityButton(), p1);
+    EXPECT_FALSE(w.button(p0)->isLit());
+    EXPECT_TRUE(w.button(p1)->isLit());
+
+    m.click("notes"); // leaving the screen forgets the selection
+    EXPECT_EQ(w.selectedPriorityButton(), 0);
+}
+
+TEST(frmMain, QuitTakesEveryControlDown) {
+    Main m;
+    frmMain& w = m.start();
+    m.click("notes");
+    m.click("QUIT");
+    EXPECT_TRUE(w.ended());
+    EXPECT_FALSE(w.Ready());
+    EXPECT_EQ(w.controlCount(), 0);
+    EXPECT_EQ(w.state().currentScreen, "");
+    m.click("TODO");
+    EXPECT_EQ(w.state().currentScreen, "") << "nothing reacts after shut-down";
+}
+
+namespace {
+
+/// Points XDG_DATA_HOME somewhere else for one test.
+class DataHome {
+  public:
+    explicit DataHome(const QString& path) : m_old(qgetenv("XDG_DATA_HOME")) {
+        qputenv("XDG_DATA_HOME", path.toUtf8());
+    }
+    ~DataHome() { qputenv("XDG_DATA_HOME", m_old); }
+
+  private:
+    QByteArray m_old;
+};
+
+} // namespace
+
+TEST(frmMain, FirstStartCopiesTheBundledThemeAndFillsTheWorkArea) {
+    test::TempDir dir;
+    DataHome home(dir.file("data"));
+    QDir().mkpath(dir.file("bundled"));
+    test::writeAll(dir.file("bundled/terminal.skn"), "[DEFAULT]\r\nSound=0\r\n");
+    test::writeAll(dir.file("bundled/Mirel.skn"), kSkin);
+
+    SettingsStore store(dir.file("config"));
+    test::RecordingMessageSink sink;
+    SystemClock clock;
+    frmMain w(store, sink, clock);
+    w.setSingleInstanceEnabled(false);
+    w.setBundledThemeCandidates({dir.file("missing"), dir.file("bundled")});
+    ASSERT_EQ(w.Form_Load(), frmMain::StartResult::Ready);
+
+    EXPECT_EQ(w.folders().ProgramDir, dir.file("data/mirel"));
+    EXPECT_TRUE(QFileInfo(dir.file("data/mirel/themes/Default/terminal.skn")).isFile());
+    EXPECT_EQ(w.state().buttonCount(), 7) << "laid out from the copied theme";
+    EXPECT_EQ(w.geometry(), QGuiApplication::primaryScreen()->availableGeometry());
+}
+
+TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
+    Main m;
+    m.store.SaveSetting(kFamilyApp, "General", "Running", "True");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Left", "40");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Top", "30");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Right", "840");
+    m.store.SaveSetting(kFamilyApp, "Screen", "Bottom", "630");
+    frmMain& w = m.start();
+    EXPECT_EQ(w.geometry(), QRect(40, 30, 800, 600));
+}
+
+TEST(frmMain, ExitWhileThePasswordDialogIsOpenCancelsItAndShutsDown) {
+    Main m;
+    frmMain& w = m.start();
+    w.setPasswordPrompt({}); // the real skinned dialog
+    QTimer::singleShot(50, [&] {
+        EXPECT_NE(QApplication::activeModalWidget(), nullptr);
+        m.store.SaveSetting(kFamilyApp, kExitSection, kExitKey, "1");
+    });
+    QTimer::singleShot(5000, [] { // never hang the suite
+        if (QWidget* modal = QApplication::activeModalWidget())
+            modal->close();
+    });
+    m.click("\"/opt/my tool\" -a");
+    EXPECT_TRUE(w.ended());
+    EXPECT_TRUE(m.opened.isEmpty()) << "the interrupted command does not run";
+    EXPECT_EQ(w.controlCount(), 0);
+}

@@ -1,0 +1,187 @@
+"""Runs the real program under a private Xvfb with its own settings store and
+program folder, and drives it the way the family shell does: through the
+command and exit mailboxes (mirel --send / --quit)."""
+
+import os
+import re
+import select
+import shutil
+import subprocess
+import tempfile
+import time
+
+MIREL_BIN = os.environ.get("MIREL_BIN", "mirel")
+SOURCE_DIR = os.environ.get("MIREL_SOURCE_DIR", os.path.join(os.path.dirname(__file__), "..", ".."))
+BUILD_DIR = os.environ.get("MIREL_BUILD_DIR", os.path.join(SOURCE_DIR, "build"))
+THEME_SOURCE = os.path.join(SOURCE_DIR, "tests", "data", "skins", "e2e")
+
+
+class Xvfb:
+    """A private X server on a free display number."""
+
+    def __init__(self, size="1280x800x24"):
+        r, w = os.pipe()
+        self.proc = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(w), "-noreset", "-nolisten", "tcp", "-screen", "0", size],
+            pass_fds=[w], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(w)
+        number = b""
+        deadline = time.time() + 20
+        while not number.endswith(b"\n") and time.time() < deadline:
+            ready, _, _ = select.select([r], [], [], 1)
+            if ready:
+                chunk = os.read(r, 16)
+                if not chunk:
+                    break
+                number += chunk
+        os.close(r)
+        if not number.strip():
+            self.stop()
+            raise RuntimeError("Xvfb did not report a display")
+        self.display = ":" + number.decode().strip()
+
+    def stop(self):
+        if self.proc.poll() is None:
+            self.proc.terminate()
+            try:
+                self.proc.wait(10)
+            except subprocess.TimeoutExpired:
+                self.proc.kill()
+                self.proc.wait()
+
+
+def _picture(path, text, colour, size="120x38"):
+    subprocess.run(["convert", "-size", size, "xc:" + colour, "-fill", "white",
+                    "-font", "DejaVu-Sans", "-pointsize", "14", "-gravity", "center",
+                    "-annotate", "0", text, "BMP3:" + path], check=True)
+
+
+def _sound(path):
+    subprocess.run(["sox", "-n", "-r", "22050", "-c", "1", "-b", "16", path,
+                    "synth", "0.05", "sine", "880"], check=True,
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+def build_theme(target):
+    """Copies the test theme and draws its pictures and sounds."""
+    shutil.copytree(THEME_SOURCE, target)
+    names = set()
+    for skn in ("Mirel.skn", "terminal.skn"):
+        with open(os.path.join(target, skn), "rb") as f:
+            names.update(re.findall(rb"=B,([a-z_]+)\.bmp,", f.read()))
+    for name in sorted(names):
+        name = name.decode()
+        label = name[4:].upper() if name.startswith("btn_") else name
+        _picture(os.path.join(target, name + ".bmp"), label, "#2d4d8a")
+        _picture(os.path.join(target, name + "a.bmp"), label, "#c07020")
+    _picture(os.path.join(target, "input.bmp"), "Password", "#506070", "300x130")
+    for sound in ("start", "click", "hover"):
+        _sound(os.path.join(target, sound + ".wav"))
+
+
+class Session:
+    """One program folder, one settings store, one running program."""
+
+    def __init__(self, display, extra_env=None, theme=True):
+        self.tmp = tempfile.mkdtemp(prefix="mirel-e2e-")
+        self.config = os.path.join(self.tmp, "config")
+        self.program_dir = os.path.join(self.tmp, "prog")
+        os.makedirs(os.path.join(self.config, "TORVEX Terminal"))
+        os.makedirs(self.program_dir)
+        if theme:
+            build_theme(os.path.join(self.program_dir, "themes", "Test"))
+        with open(self.store_file(), "w") as f:
+            f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\Test\\\r\n" % self.program_dir)
+        self.env = dict(os.environ)
+        self.env.update({
+            "DISPLAY": display,
+            "QT_QPA_PLATFORM": "xcb",
+            "XDG_CONFIG_HOME": self.config,
+            "XDG_DATA_HOME": os.path.join(self.tmp, "data"),
+            "MIREL_READY_MARKER": "1",
+        })
+        if "XDG_RUNTIME_DIR" not in os.environ:
+            runtime = os.path.join(self.tmp, "run")
+            os.makedirs(runtime, mode=0o700)
+            self.env["XDG_RUNTIME_DIR"] = runtime
+        self.env.update(extra_env or {})
+        self.display = display
+        self.proc = None
+
+    def store_file(self):
+        return os.path.join(self.config, "TORVEX Terminal", "settings.ini")
+
+    def start(self, timeout=30):
+        self.proc = subprocess.Popen([MIREL_BIN], env=self.env, stdout=subprocess.PIPE,
+                                     stderr=subprocess.DEVNULL)
+        self.started = time.time()
+        line = b""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            ready, _, _ = select.select([self.proc.stdout], [], [], 0.5)
+            if ready:
+                chunk = self.proc.stdout.readline()
+                if not chunk:
+                    break
+                line = chunk
+                if line.strip() == b"Ready":
+                    return
+            if self.proc.poll() is not None:
+                break
+        raise AssertionError("mirel did not become ready (last output %r, rc %r)"
+                             % (line, self.proc.poll()))
+
+    def run(self, *args, timeout=20):
+        return subprocess.run([MIREL_BIN, *args], env=self.env, capture_output=True,
+                              timeout=timeout)
+
+    def send(self, command):
+        r = self.run("--send", command)
+        assert r.returncode == 0, (command, r.returncode, r.stderr)
+
+    def debug_log(self):
+        path = os.path.join(self.program_dir, "debug.txt")
+        if not os.path.exists(path):
+            return ""
+        with open(path, "rb") as f:
+            return f.read().decode("cp1252")
+
+    def wait_for_log(self, text, timeout=10):
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            if text in self.debug_log():
+                return True
+            time.sleep(0.1)
+        raise AssertionError("debug log never showed %r:\n%s" % (text, self.debug_log()))
+
+    def mailbox(self, section, key):
+        with open(self.store_file(), "rb") as f:
+            text = f.read().decode("cp1252")
+        m = re.search(r"\[%s\][^\[]*?^%s=(.*?)\r?$" % (re.escape(section), re.escape(key)),
+                      text, re.M | re.S | re.I)
+        return m.group(1) if m else None
+
+    def screenshot(self, name):
+        folder = os.path.join(BUILD_DIR, "screenshots")
+        os.makedirs(folder, exist_ok=True)
+        path = os.path.join(folder, name + ".png")
+        subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)
+        return path
+
+    def wait_exit(self, timeout=15):
+        try:
+            return self.proc.wait(timeout)
+        except subprocess.TimeoutExpired:
+            return None
+
+    def close(self):
+        if self.proc and self.proc.poll() is None:
+            self.proc.terminate()
+            try:
+                self.proc.wait(10)
+            except subprocess.TimeoutExpired:
+                self.proc.kill()
+                self.proc.wait()
+        if self.proc and self.proc.stdout:
+            self.proc.stdout.close()
+        shutil.rmtree(self.tmp, ignore_errors=True)

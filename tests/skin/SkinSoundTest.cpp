@@ -1,0 +1,91 @@
+#include "skin/SkinSound.h"
+
+#include "TestSupport.h"
+#include "platform/SettingsStore.h"
+#include "settings/IniHelpers.h"
+
+#include <QDir>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+class SkinSoundTest : public ::testing::Test {
+  protected:
+    TempDir dir;
+    RecordingMessageSink sink;
+    SettingsStore store{dir.file("config")};
+    IniHelpers ini{sink, store};
+    // The theme folder has a blank in its name: paths are used as they are.
+    QString theme = dir.path() + QStringLiteral("/My Theme/");
+
+    void SetUp() override {
+        QDir().mkpath(theme);
+        writeAll(theme + "Click.WAV", QByteArray("RIFF\x04\0\0\0WAVE", 12));
+        writeAll(theme + "empty.wav", {});
+    }
+};
+
+TEST_F(SkinSoundTest, SwitchesFromTerminalSkin) {
+    struct Row {
+        QByteArray text;
+        bool sound, multiple;
+    };
+    const Row rows[] = {
+        {"", true, false},
+        {"[DEFAULT]\r\nSound=0\r\n", false, false},
+        {"[DEFAULT]\r\nSound=False\r\nMultiple=True\r\n", false, true},
+        {"[default]\r\nsound=true\r\nmultiple=-1\r\n", true, true},
+        // Only section "DEFAULT" counts.
+        {"[OTHER]\r\nSound=0\r\nMultiple=1\r\n", true, false},
+    };
+    const QString file = dir.file("terminal.skn");
+    for (const Row& r : rows) {
+        writeAll(file, r.text);
+        const SoundSwitches s = SkinSound::readSwitches(ini, file);
+        EXPECT_EQ(s.sound, r.sound) << r.text.constData();
+        EXPECT_EQ(s.multiple, r.multiple) << r.text.constData();
+    }
+    // A missing file is all defaults, silently.
+    const SoundSwitches s = SkinSound::readSwitches(ini, dir.file("none.skn"));
+    EXPECT_TRUE(s.sound);
+    EXPECT_FALSE(s.multiple);
+    EXPECT_TRUE(sink.shown.empty());
+}
+
+TEST_F(SkinSoundTest, NameToFile) {
+    // A theme sound gets ".wav" and is found whatever the case on disk.
+    EXPECT_EQ(SkinSound::soundPath("click", theme), theme + "Click.WAV");
+    // A drive path is read from the root of this system.
+    const QString full = theme + "empty.wav";
+    QString windowsStyle = "C:" + full;
+    windowsStyle.replace('/', '\\');
+    EXPECT_EQ(SkinSound::soundPath(windowsStyle.toLatin1(), theme), full);
+}
+
+TEST_F(SkinSoundTest, PlanHonoursSwitchesAndFiles) {
+    const SoundSwitches on{true, false}, off{false, true}, overlap{true, true};
+    auto planned = SkinSound::plan("click", false, on, theme);
+    ASSERT_TRUE(planned.has_value());
+    EXPECT_EQ(planned->path, theme + "Click.WAV");
+    EXPECT_FALSE(planned->overlap);
+    EXPECT_FALSE(planned->wait);
+
+    planned = SkinSound::plan("CLICK", true, overlap, theme);
+    ASSERT_TRUE(planned.has_value());
+    EXPECT_TRUE(planned->overlap);
+    EXPECT_TRUE(planned->wait);
+
+    EXPECT_FALSE(SkinSound::plan("click", false, off, theme)); // sound switched off
+    EXPECT_FALSE(SkinSound::plan("empty", false, on, theme));  // zero bytes
+    EXPECT_FALSE(SkinSound::plan("nothere", false, on, theme));
+    EXPECT_FALSE(SkinSound::plan("", false, on, theme));
+    EXPECT_FALSE(SkinSound::plan("  ", false, on, theme));
+    // A folder is not a sound.
+    QDir().mkpath(theme + "dir.wav");
+    EXPECT_FALSE(SkinSound::plan("dir", false, on, theme));
+}
+
+} // namespace

@@ -1,0 +1,89 @@
+#include "ui/HoverPass.h"
+
+#include "SkinFixture.h"
+#include "ui/SkinButton.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QMouseEvent>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+class HoverPassTest : public SkinFixture {
+  protected:
+    void SetUp() override {
+        SkinFixture::SetUp();
+        engine.LayoutSection(*host, "DEFAULT", skin);
+        host->show();
+    }
+    // A pass with the pointer at the centre of button i (0 = nowhere).
+    void pointAt(int i) {
+        if (i == 0) {
+            HoverPass(*host, QPoint(-100, -100), nullptr);
+            return;
+        }
+        SkinButton* b = host->button(i);
+        HoverPass(*host, b->mapToGlobal(b->rect().center()), b);
+    }
+    bool lit(int i) { return host->button(i)->isLit(); }
+};
+
+TEST_F(HoverPassTest, EnteringLightsAndSoundsLeavingUnlights) {
+    const int before = sounds.requestCount();
+    pointAt(1);
+    EXPECT_TRUE(lit(1));
+    // Button 1 has the hover sound "click", a real WAV in the theme.
+    EXPECT_EQ(sounds.requestCount(), before + 1);
+    pointAt(1);
+    EXPECT_EQ(sounds.requestCount(), before + 1); // staying over it plays nothing
+    pointAt(0);
+    EXPECT_FALSE(lit(1));
+    EXPECT_EQ(sounds.requestCount(), before + 1);
+}
+
+TEST_F(HoverPassTest, MovingStraightOntoTheNextButton) {
+    pointAt(3);
+    EXPECT_TRUE(lit(3));
+    pointAt(4);
+    EXPECT_FALSE(lit(3));
+    EXPECT_TRUE(lit(4));
+    // Over a widget that is not the button (a picture lies on top): not over it.
+    SkinButton* b = host->button(4);
+    HoverPass(*host, b->mapToGlobal(b->rect().center()), host.get());
+    EXPECT_FALSE(lit(4));
+}
+
+TEST_F(HoverPassTest, SelectedPriorityButtonKeepsItsLitPicture) {
+    host->state().selectedPriorityButton = 3;
+    host->button(3)->setLit(true);
+    pointAt(3);
+    pointAt(0);
+    EXPECT_TRUE(lit(3));
+    pointAt(4);
+    pointAt(0);
+    EXPECT_FALSE(lit(4));
+}
+
+TEST_F(HoverPassTest, NothingWhileClosing) {
+    host->state().closing = true;
+    pointAt(1);
+    EXPECT_FALSE(lit(1));
+    EXPECT_EQ(sounds.requestCount(), 0);
+}
+
+TEST_F(HoverPassTest, MouseMovementOverAControlRunsThePass) {
+    SkinButton* b = host->button(2);
+    const QPoint global = b->mapToGlobal(b->rect().center());
+    QCursor::setPos(global);
+    if (QCursor::pos() != global || QApplication::widgetAt(global) != b)
+        GTEST_SKIP() << "this platform plugin does not move the pointer";
+    QMouseEvent move(QEvent::MouseMove, b->rect().center(), global, Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(b, &move);
+    EXPECT_TRUE(lit(2));
+}
+
+} // namespace

@@ -1,0 +1,116 @@
+#include "ui/ShapeWindow.h"
+
+#include "ui/SkinHost.h"
+
+#include <QBitmap>
+#include <QPainter>
+#include <QRandomGenerator>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+
+namespace {
+
+const QRgb kMask = qRgb(255, 0, 255);
+
+// Qt's own answer to the same question, through a bitmap mask.
+QRegion qtRegion(const QImage& img, QRgb mask) {
+    return QRegion(QBitmap::fromImage(img.createMaskFromColor(mask, Qt::MaskInColor)));
+}
+
+QImage filled(int w, int h, QRgb c, QImage::Format f = QImage::Format_RGB32) {
+    QImage img(w, h, f);
+    img.fill(c);
+    return img;
+}
+
+TEST(ShapeWindowTest, RegionMatchesQtMaskOnVariedPictures) {
+    std::vector<std::pair<const char*, QImage>> cases;
+    {
+        QImage img = filled(40, 30, qRgb(10, 20, 30));
+        for (QPoint p : {QPoint(0, 0), QPoint(39, 0), QPoint(0, 29), QPoint(39, 29)})
+            img.setPixel(p, kMask);
+        cases.emplace_back("corners", img);
+    }
+    {
+        QImage img = filled(64, 48, kMask);
+        QPainter p(&img);
+        p.setRenderHint(QPainter::Antialiasing, false);
+        p.setBrush(QColor(0, 90, 0));
+        p.setPen(Qt::NoPen);
+        p.drawEllipse(QRect(2, 2, 60, 44));
+        p.drawRect(10, 20, 5, 5);
+        cases.emplace_back("ellipse with holes", img);
+    }
+    {
+        QImage img = filled(50, 50, qRgb(1, 2, 3));
+        QRandomGenerator rng(7);
+        for (int y = 0; y < 50; ++y)
+            for (int x = 0; x < 50; ++x)
+                if (rng.bounded(3) == 0)
+                    img.setPixel(x, y, kMask);
+        cases.emplace_back("noise", img);
+    }
+    {
+        // Alpha does not matter, only the colour.
+        QImage img = filled(20, 10, qRgba(255, 0, 255, 0), QImage::Format_ARGB32);
+        for (int x = 5; x < 15; ++x)
+            img.setPixel(x, 4, qRgba(255, 255, 255, 10));
+        cases.emplace_back("alpha", img);
+    }
+    {
+        QImage img = filled(30, 20, qRgb(0, 0, 0), QImage::Format_RGB888);
+        for (int x = 0; x < 30; x += 2)
+            img.setPixelColor(x, 7, QColor(kMask));
+        cases.emplace_back("24-bit", img.convertToFormat(QImage::Format_Indexed8));
+    }
+    cases.emplace_back("all mask", filled(16, 16, kMask));
+    cases.emplace_back("no mask", filled(16, 16, qRgb(255, 0, 254)));
+
+    for (const auto& [name, img] : cases) {
+        const QImage rgb = img.convertToFormat(QImage::Format_RGB32);
+        const QRegion expected = qtRegion(rgb, kMask);
+        const QRegion got = regionFromPicture(img, kMask);
+        EXPECT_TRUE((got ^ expected).isEmpty()) << name;
+        EXPECT_EQ(got.boundingRect(), expected.boundingRect()) << name;
+    }
+}
+
+TEST(ShapeWindowTest, RowsBecomeRuns) {
+    QImage img = filled(10, 4, qRgb(0, 0, 0));
+    for (int x = 0; x < 10; ++x)
+        img.setPixel(x, 1, kMask); // row 1: nothing
+    img.setPixel(3, 2, kMask);     // row 2: two runs
+    const QRegion r = regionFromPicture(img, kMask);
+    EXPECT_FALSE(r.contains(QPoint(5, 1)));
+    EXPECT_TRUE(r.contains(QPoint(9, 0)));
+    EXPECT_FALSE(r.contains(QPoint(3, 2)));
+    EXPECT_TRUE(r.contains(QPoint(2, 2)));
+    EXPECT_TRUE(r.contains(QPoint(4, 2)));
+    // Row 0 is one full-width run; rows 0 and 3 are not merged across row 1.
+    QList<QRect> rects(r.begin(), r.end());
+    EXPECT_EQ(rects.first(), QRect(0, 0, 10, 1));
+    EXPECT_EQ(rects.size(), 4);
+    EXPECT_TRUE(regionFromPicture(QImage(), kMask).isEmpty());
+}
+
+TEST(ShapeWindowTest, WindowTakesPictureSizeAndOutline) {
+    SkinHost w;
+    w.resize(300, 300);
+    QImage img = filled(40, 20, qRgb(9, 9, 9));
+    img.setPixel(0, 0, kMask);
+    ShapeWindow(&w, img, kMask);
+    EXPECT_EQ(w.size(), QSize(40, 20));
+    EXPECT_FALSE(w.mask().contains(QPoint(0, 0)));
+    EXPECT_TRUE(w.mask().contains(QPoint(1, 0)));
+    EXPECT_EQ(w.backgroundPicture().size(), QSize(40, 20));
+
+    // An unreadable picture leaves the window as it was: rectangular.
+    SkinHost plain;
+    plain.resize(100, 50);
+    ShapeWindow(&plain, QImage(), kMask);
+    EXPECT_TRUE(plain.mask().isEmpty());
+    EXPECT_EQ(plain.size(), QSize(100, 50));
+}
+
+} // namespace

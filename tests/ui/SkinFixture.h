@@ -1,0 +1,42 @@
+#pragma once
+// A window host over the small test theme in tests/data/skins/Basic, with
+// real INI helpers, folders and a sound player.
+#include "TestSupport.h"
+#include "platform/SettingsStore.h"
+#include "settings/Folders.h"
+#include "settings/IniHelpers.h"
+#include "ui/LayoutEngine.h"
+#include "ui/SkinHost.h"
+#include "ui/SoundPlayer.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace mirel::test {
+
+class SkinFixture : public ::testing::Test {
+  protected:
+    TempDir dir;
+    RecordingMessageSink sink;
+    SettingsStore store{dir.file("config")};
+    IniHelpers ini{sink, store};
+    Folders folders = [] {
+        Folders f;
+        f.ProgramDir = testData(QStringLiteral("skins"));
+        f.ThemeDir = QStringLiteral("\\Basic\\");
+        return f;
+    }();
+    SoundPlayer sounds{folders, ini};
+    LayoutEngine engine{SkinContext{folders, ini, &sounds, false, 0}};
+    std::unique_ptr<SkinHost> host = [] {
+        auto h = std::make_unique<SkinHost>();
+        h->resize(1024, 768);
+        return h;
+    }();
+    QString skin = folders.themeFile(QStringLiteral("Mirel.skn"));
+    QString terminal = folders.themeFile(QStringLiteral("terminal.skn"));
+
+    void SetUp() override { host->setSoundPlayer(&sounds); }
+};
+
+} // namespace mirel::test

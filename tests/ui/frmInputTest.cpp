@@ -1,0 +1,131 @@
+#include "ui/frmInput.h"
+
+#include "SkinFixture.h"
+#include "ui/SkinButton.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QKeyEvent>
+#include <QTimer>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+class frmInputTest : public SkinFixture {
+  protected:
+    // Types text, then clicks the button with the given command while the
+    // dialog runs modally.
+    QByteArray run(frmInput& dlg, const QString& text, const QByteArray& command) {
+        QTimer::singleShot(0, &dlg, [&] {
+            dlg.txtInput()->setText(text);
+            for (int i = 1; i <= dlg.state().buttonCount(); ++i)
+                if (dlg.state().button(i).command.toUpper() == command)
+                    dlg.button(i)->click();
+        });
+        dlg.exec();
+        return dlg.InputResult();
+    }
+};
+
+TEST_F(frmInputTest, SetUpFromTheInputSection) {
+    frmInput dlg(engine, false);
+    EXPECT_EQ(dlg.size(), QSize(200, 100));
+    // The rounded corners of the background are cut away.
+    EXPECT_FALSE(dlg.mask().contains(QPoint(0, 0)));
+    EXPECT_TRUE(dlg.mask().contains(QPoint(100, 50)));
+    EXPECT_EQ(dlg.txtInput()->geometry(), QRect(10, 10, 180, 24));
+    EXPECT_EQ(dlg.txtInput()->font().pointSize(), 10);
+    ASSERT_EQ(dlg.state().buttonCount(), 2);
+    EXPECT_EQ(dlg.button(2)->geometry(), QRect(150, 60, 40, 20));
+    EXPECT_EQ(dlg.button(1)->accessibleName(), "OK");
+    EXPECT_FALSE(dlg.windowTitle().isEmpty());
+    EXPECT_TRUE(dlg.hoverTimer().isActive());
+    EXPECT_TRUE(dlg.InputResult().isEmpty());
+}
+
+TEST_F(frmInputTest, OkEnterAndQuit) {
+    {
+        frmInput dlg(engine, false);
+        EXPECT_EQ(run(dlg, QString::fromUtf8("caf\u00e9 au lait"), "OK"), "caf\xe9 au lait");
+        EXPECT_FALSE(dlg.isVisible());
+    }
+    {
+        frmInput dlg(engine, false);
+        EXPECT_EQ(run(dlg, "typed", "QUIT"), "");
+    }
+    {
+        // Enter in an empty field confirms the empty text.
+        frmInput dlg(engine, true);
+        QTimer::singleShot(0, &dlg, [&] {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+            QKeyEvent release(QEvent::KeyRelease, Qt::Key_Return, Qt::NoModifier);
+            QCoreApplication::sendEvent(dlg.txtInput(), &press);
+            QCoreApplication::sendEvent(dlg.txtInput(), &release);
+        });
+        dlg.exec();
+        EXPECT_EQ(dlg.InputResult(), "");
+        EXPECT_FALSE(dlg.isVisible());
+    }
+}
+
+TEST_F(frmInputTest, PasswordModeShowsHashes) {
+    frmInput dlg(engine, true);
+    dlg.txtInput()->setText("secret");
+    EXPECT_EQ(dlg.txtInput()->displayText(), "######");
+    frmInput plain(engine, false);
+    plain.txtInput()->setText("secret");
+    EXPECT_EQ(plain.txtInput()->displayText(), "secret");
+}
+
+TEST_F(frmInputTest, OtherCommandsRunAndTheDialogStaysOpen) {
+    // A private copy of the theme whose override file turns the second
+    // button into a program command.
+    const QString theme = dir.path() + "/themes/Basic/";
+    QDir().mkpath(theme);
+    const QString data = testData("skins/Basic/");
+    for (const QString& f : QDir(data).entryList(QDir::Files))
+        QFile::copy(data + f, theme + f);
+    const QString marker = dir.file("ran");
+    writeAll(theme + "terminal.ini",
+             "[INPUT]\r\n02=B,button.bmp,-50,60,40,20,,click,0,/usr/bin/touch " +
+                 marker.toLocal8Bit() + "\r\n");
+    Folders local;
+    local.ProgramDir = dir.path();
+    local.ThemeDir = "\\themes\\Basic\\";
+    LayoutEngine localEngine(SkinContext{local, ini, nullptr, false, 0});
+
+    frmInput dlg(localEngine, false);
+    dlg.show();
+    dlg.button(2)->click();
+    QElapsedTimer t;
+    t.start();
+    while (!QFile::exists(marker) && t.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    EXPECT_TRUE(QFile::exists(marker));
+    EXPECT_TRUE(dlg.isVisible());
+    EXPECT_TRUE(dlg.InputResult().isEmpty());
+}
+
+TEST_F(frmInputTest, MissingSkinLeavesAPlainWorkingDialog) {
+    Folders nowhere;
+    nowhere.ProgramDir = dir.file("none");
+    nowhere.ThemeDir = "\\gone\\";
+    LayoutEngine lost(SkinContext{nowhere, ini, nullptr, false, 0});
+    frmInput dlg(lost, false);
+    EXPECT_EQ(dlg.state().buttonCount(), 0);
+    EXPECT_TRUE(dlg.mask().isEmpty());
+    QTimer::singleShot(0, &dlg, [&] {
+        dlg.txtInput()->setText("x");
+        QKeyEvent release(QEvent::KeyRelease, Qt::Key_Enter, Qt::NoModifier);
+        QCoreApplication::sendEvent(dlg.txtInput(), &release);
+    });
+    dlg.exec();
+    EXPECT_EQ(dlg.InputResult(), "x");
+    EXPECT_TRUE(sink.shown.empty());
+}
+
+} // namespace
