@@ -165,23 +165,31 @@ void LayoutEngine::ClearScreen(SkinHost& host) {
     SkinState& state = host.state();
     const bool wasClosing = state.closing;
     state.closing = true;
+    if (!unloadControls(host, state.recorded.controls))
+        return;
+    const int selected = state.selectedPriorityButton;
+    state.restore();
+    host.trimToTables();
+    // The priority selection goes with the screen; a selected button that
+    // survives shows its normal picture again unless the pointer is on it.
+    if (SkinButton* b = host.button(selected))
+        b->setLit(b->hovered);
+    state.closing = wasClosing;
+}
+
+bool LayoutEngine::unloadControls(SkinHost& host, int keep) {
     QPointer<SkinHost> guard(&host);
-    const int keep = state.recorded.controls;
-    while (host.controlCount() > keep) {
+    while (host.controlCount() > qMax(0, keep)) {
         QWidget* last = host.control(host.controlCount());
         if (m_ctx.animated && last && last->isVisible() && !pause(&host))
-            return;
+            return false;
         if (guard.isNull())
-            return;
+            return false;
         host.removeLastControl();
         if (m_ctx.animated)
             host.repaint();
     }
-    state.restore();
-    host.trimToTables();
-    // Buttons that survive keep their hover state; only the priority
-    // selection is dropped with the screen.
-    state.closing = wasClosing;
+    return true;
 }
 
 void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNumber) {

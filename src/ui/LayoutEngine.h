@@ -44,6 +44,10 @@ class LayoutEngine {
 
     void LayoutSection(SkinHost& host, const QByteArray& section, const QString& skinFile);
     void ClearScreen(SkinHost& host);
+    /// Removes the created controls beyond the first keep, last first, with
+    /// the same animation as clearing (shut-down uses keep = 0). False when
+    /// the host was destroyed during a pause.
+    bool unloadControls(SkinHost& host, int keep);
 
     /// One control line into host (no pause); exposed for the dialogs' fixed lines.
     void layoutLine(SkinHost& host, const ControlLine& line, int keyNumber);

@@ -27,6 +27,11 @@ template <class T> T* at(const QList<QPointer<T>>& list, int i) {
     return i >= 1 && i <= list.size() ? list[i - 1].data() : nullptr;
 }
 
+template <class T> void popLast(QList<QPointer<T>>& list) {
+    if (!list.isEmpty())
+        list.removeLast();
+}
+
 template <class T> void cut(QList<QPointer<T>>& list, int count) {
     if (list.size() > count)
         list.resize(qMax(0, count));
@@ -214,10 +219,35 @@ void SkinHost::startHoverTimer() {
     m_hoverTimer.start();
 }
 
+void SkinHost::selectPriority(int slot) {
+    if (slot < 0 || slot >= int(m_state.tables.prioritySlots.size()))
+        return;
+    const int previous = m_state.selectedPriorityButton;
+    const int next = m_state.tables.prioritySlots[slot];
+    if (previous != next)
+        if (SkinButton* b = button(previous))
+            b->setLit(b->hovered);
+    m_state.selectedPriorityButton = next;
+    if (SkinButton* b = button(next))
+        b->setLit(true);
+}
+
+void SkinHost::setButtonPicture(int index, const QString& path) {
+    if (index < 1 || index > m_state.buttonCount())
+        return;
+    m_state.tables.buttons[index - 1].picturePath = path;
+    if (SkinButton* b = button(index)) {
+        const bool lit = b->isLit();
+        b->setPicture(path);
+        b->setLit(lit);
+    }
+}
+
 void SkinHost::buttonClicked(int) {}
 
 void SkinHost::adoptControl(QWidget* control, CreatedKind kind) {
     m_controls.append(control);
+    m_tags.append(kind);
     switch (kind) {
     case CreatedKind::Button:
         m_buttons.append(static_cast<SkinButton*>(control));
@@ -250,7 +280,41 @@ void SkinHost::removeLastControl() {
         return;
     QPointer<QWidget> w = m_controls.takeLast();
     m_state.tables.controls = int(m_controls.size());
-    delete w.data();
+    // Controls go in reverse creation order, so this one is the last of its kind.
+    switch (m_tags.takeLast()) {
+    case CreatedKind::Button:
+        popLast(m_buttons);
+        break;
+    case CreatedKind::Picture:
+        popLast(m_pictures);
+        break;
+    case CreatedKind::TextBox:
+        popLast(m_textBoxes);
+        break;
+    case CreatedKind::MultiLine:
+        popLast(m_multiLines);
+        break;
+    case CreatedKind::Label:
+        popLast(m_labels);
+        break;
+    case CreatedKind::List:
+        popLast(m_lists);
+        if (m_overview == w)
+            m_overview = nullptr;
+        break;
+    case CreatedKind::Animation:
+        popLast(m_animations);
+        break;
+    }
+    if (!w)
+        return;
+    // The control may be the very button whose click is switching screens,
+    // still inside its own signal: it goes now from screen and from every
+    // table, and is deleted once control is back in the event loop.
+    w->hide();
+    w->disconnect();
+    w->removeEventFilter(this);
+    w->deleteLater();
 }
 
 void SkinHost::trimToTables() {
@@ -314,6 +378,16 @@ void SkinHost::paintEvent(QPaintEvent* event) {
 void SkinHost::mouseMoveEvent(QMouseEvent* event) {
     runHover();
     QWidget::mouseMoveEvent(event);
+}
+
+void SkinHost::mousePressEvent(QMouseEvent* event) {
+    runHover();
+    QWidget::mousePressEvent(event);
+}
+
+void SkinHost::mouseReleaseEvent(QMouseEvent* event) {
+    runHover();
+    QWidget::mouseReleaseEvent(event);
 }
 
 void SkinHost::runHover() {

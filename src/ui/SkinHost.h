@@ -9,21 +9,20 @@
 #include "ui/AnimatedPicture.h"
 #include "ui/SkinButton.h"
 
+#include <QCheckBox>
 #include <QColor>
+#include <QLabel>
+#include <QLineEdit>
 #include <QList>
+#include <QListWidget>
 #include <QMap>
 #include <QPixmap>
 #include <QPointer>
+#include <QRadioButton>
+#include <QTextEdit>
 #include <QTimer>
 #include <QWidget>
 #include <array>
-
-#include <QCheckBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
-#include <QTextEdit>
 
 namespace mirel {
 
@@ -90,6 +89,14 @@ class SkinHost : public QWidget {
     void startHoverTimer();
     QTimer& hoverTimer() { return m_hoverTimer; }
 
+    /// Makes the button in priority slot n (0..7) the selected one, lit,
+    /// and shows the previously selected one normally; no button in the slot
+    /// selects none.
+    void selectPriority(int slot);
+    /// Gives button i another picture (table and widget); used by screens
+    /// that swap the pictures of role buttons.
+    void setButtonPicture(int index, const QString& path);
+
     /// A skin button was clicked (index into the button table).
     virtual void buttonClicked(int index);
     /// Mouse released over the general / overview list.
@@ -111,6 +118,8 @@ class SkinHost : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
   private:
     void runHover();

@@ -90,8 +90,8 @@ frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* paren
 
 frmInput::~frmInput() = default;
 
-void frmInput::applyInputBox(const QByteArray& spec) {
-    const QList<QByteArray> f = splitCommaList(spec);
+void frmInput::applyInputBox(const QByteArray& value) {
+    const QList<QByteArray> f = splitCommaList(value);
     auto field = [&f](int i) { return i < f.size() ? f[i] : QByteArray(); };
     m_input->setGeometry(
         placeRect(field(0), field(1), field(2), field(3), size(), StretchRule::BelowOne, false));

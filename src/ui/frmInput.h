@@ -39,7 +39,7 @@ class frmInput : public SkinHost {
   private:
     void confirm();
     void finish();
-    void applyInputBox(const QByteArray& spec);
+    void applyInputBox(const QByteArray& value);
 
     // A copy: the dialog's own "STARTUP" animation switches must not leak
     // into the main window's engine.

@@ -33,8 +33,14 @@ class HoverPassTest : public SkinFixture {
 
 TEST_F(HoverPassTest, EnteringLightsAndSoundsLeavingUnlights) {
     const int before = sounds.requestCount();
+    auto centre = [&] {
+        SkinButton* b = host->button(1);
+        return b->grab().toImage().pixelColor(b->rect().center());
+    };
+    EXPECT_EQ(centre(), QColor(0, 0, 200)); // button.bmp
     pointAt(1);
     EXPECT_TRUE(lit(1));
+    EXPECT_EQ(centre(), QColor(255, 255, 0)); // buttona.bmp
     // Button 1 has the hover sound "click", a real WAV in the theme.
     EXPECT_EQ(sounds.requestCount(), before + 1);
     pointAt(1);
@@ -57,14 +63,33 @@ TEST_F(HoverPassTest, MovingStraightOntoTheNextButton) {
 }
 
 TEST_F(HoverPassTest, SelectedPriorityButtonKeepsItsLitPicture) {
-    host->state().selectedPriorityButton = 3;
-    host->button(3)->setLit(true);
+    // Slot 0 holds button 3 (a "B0" line), slot 1 button 4.
+    host->selectPriority(0);
+    EXPECT_EQ(host->state().selectedPriorityButton, 3);
+    EXPECT_TRUE(lit(3));
     pointAt(3);
     pointAt(0);
     EXPECT_TRUE(lit(3));
     pointAt(4);
     pointAt(0);
     EXPECT_FALSE(lit(4));
+
+    // Selecting another priority puts the first back to normal.
+    host->selectPriority(1);
+    EXPECT_FALSE(lit(3));
+    EXPECT_TRUE(lit(4));
+    // A slot without a button selects none.
+    host->selectPriority(5);
+    EXPECT_EQ(host->state().selectedPriorityButton, 0);
+    EXPECT_FALSE(lit(4));
+}
+
+TEST_F(HoverPassTest, SwappedPictureKeepsTheLitState) {
+    pointAt(1);
+    host->setButtonPicture(1, folders.themeFile("logo.bmp"));
+    EXPECT_TRUE(lit(1));
+    EXPECT_TRUE(host->state().button(1).picturePath.endsWith("logo.bmp"));
+    EXPECT_TRUE(host->button(1)->picturePath().endsWith("logo.bmp"));
 }
 
 TEST_F(HoverPassTest, NothingWhileClosing) {

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QTextBrowser>
 #include <QTimer>
@@ -111,8 +112,12 @@ TEST_F(LayoutEngineTest, ScreenSectionAndClearReturnExactlyToTheRecordedState) {
     EXPECT_EQ(host->textBox(1)->font().pointSize(), 9);
 
     QPointer<QWidget> screenButton = host->button(6);
-    host->state().selectedPriorityButton = 3;
+    host->selectPriority(0);
+    ASSERT_TRUE(host->button(3)->isLit());
     engine.ClearScreen(*host);
+    ASSERT_FALSE(screenButton.isNull());
+    EXPECT_FALSE(screenButton->isVisibleTo(host.get()));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(screenButton.isNull());
     EXPECT_EQ(host->controlCount(), controlsBefore);
     EXPECT_EQ(s.buttonCount(), before.buttons.size());
@@ -128,11 +133,48 @@ TEST_F(LayoutEngineTest, ScreenSectionAndClearReturnExactlyToTheRecordedState) {
     EXPECT_EQ(host->generalList(), nullptr);
     EXPECT_EQ(host->button(6), nullptr);
     EXPECT_NE(host->button(4), nullptr);
+    EXPECT_FALSE(host->button(3)->isLit());
 
     // A second visit builds the same screen again from the same starting point.
     engine.LayoutSection(*host, "Notes", skin);
     EXPECT_EQ(s.buttonCount(), 6);
     EXPECT_EQ(host->button(5)->index(), 5);
+}
+
+TEST_F(LayoutEngineTest, AButtonMayClearItsOwnScreen) {
+    // What a screen command does: the clicked button belongs to the screen
+    // being cleared and is taken down while its click is still running.
+    struct Switching : SkinHost {
+        LayoutEngine* engine;
+        QString skin;
+        QByteArray next = "Email";
+        void buttonClicked(int index) override {
+            if (index <= state().defaultButtonCount)
+                return;
+            engine->ClearScreen(*this);
+            state().currentScreen = next;
+            engine->LayoutSection(*this, next, skin);
+        }
+    } h;
+    h.engine = &engine;
+    h.skin = skin;
+    h.resize(1024, 768);
+    h.show();
+    engine.LayoutSection(h, "DEFAULT", skin);
+    engine.LayoutSection(h, "Notes", skin);
+    SkinButton* own = h.button(6);
+    ASSERT_TRUE(own);
+    const QPointF at = own->rect().center();
+    QMouseEvent press(QEvent::MouseButtonPress, at, own->mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, at, own->mapToGlobal(at), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(own, &press);
+    QCoreApplication::sendEvent(own, &release);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(h.state().currentScreen, "Email");
+    EXPECT_EQ(h.state().buttonCount(), 4);
+    EXPECT_TRUE(h.overviewList());
 }
 
 TEST_F(LayoutEngineTest, MailPartsAreMovedAndShownThenHiddenOnClear) {

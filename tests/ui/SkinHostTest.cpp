@@ -69,6 +69,13 @@ TEST_F(SkinHostTest, ClearingTouchesOnlyWhatExists) {
     engine.LayoutSection(*host, "DEFAULT", skin);
     EXPECT_EQ(host->controlCount(), 5);
     EXPECT_EQ(host->state().buttonCount(), 4);
+
+    // Shut-down removes everything, with the exit animation.
+    engine.setAnimation(true, 1);
+    host->show();
+    EXPECT_TRUE(engine.unloadControls(*host, 0));
+    EXPECT_EQ(host->controlCount(), 0);
+    EXPECT_EQ(host->button(1), nullptr);
 }
 
 } // namespace
