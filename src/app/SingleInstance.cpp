@@ -51,6 +51,8 @@ bool SingleInstance::ask(const QString& name, const QByteArray& request, int tim
 bool SingleInstance::claimOrRaiseOther() {
     QLockFile lock(QDir::tempPath() + QLatin1Char('/') + m_name + QStringLiteral(".lock"));
     lock.setStaleLockTime(10000);
+    // A lock still held after five seconds belongs to a start that hangs;
+    // going on without it is better than never starting.
     lock.tryLock(5000);
     if (ask(m_name, kRaise))
         return false;

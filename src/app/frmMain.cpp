@@ -163,6 +163,12 @@ frmMain::StartResult frmMain::Form_Load() {
     return StartResult::Ready;
 }
 
+void frmMain::showOverview() {
+    // The screen is laid out here; its list is filled by the overview's owner.
+    ShowScreen("Overview");
+    fillScreen("Overview");
+}
+
 void frmMain::pollMailboxes() {
     if (m_ended || m_exitPending)
         return;

@@ -18,9 +18,9 @@
 #include "ui/SkinHost.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QTimer>
 #include <array>
+#include <functional>
 #include <memory>
 
 namespace mirel {
@@ -108,7 +108,7 @@ class frmMain : public SkinHost {
     void prepareDataFolders() {}
     void readOverviewTexts() {}
     void loadAgenda() {}
-    void showOverview() {}
+    void showOverview();
     void fillScreen(const QByteArray& screen) {}
     void showListEntry(const QByteArray& screen) {}
     void jumpFromOverview() {}

@@ -33,6 +33,7 @@ class Screens(unittest.TestCase):
         self.assertEqual(s.run("--send", "NOTES").returncode, 1, "nobody to send to yet")
         s.start()
         self.assertEqual(s.mailbox("EXIT", "TORVEX Terminal - Mirel"), "0")
+        s.wait_for_log("Screen Overview")
         s.screenshot("start")
         for command, screen in SCREENS:
             s.send(command)
