@@ -1,5 +1,7 @@
 #include "app/frmMain.h"
 
+#include "organiser/OrganiserScreen.h"
+
 #include "app/BundledTheme.h"
 #include "app/CommandTable.h"
 #include "app/OpenCommand.h"
@@ -164,9 +166,55 @@ frmMain::StartResult frmMain::Form_Load() {
 }
 
 void frmMain::showOverview() {
-    // The screen is laid out here; its list is filled by the overview's owner.
     ShowScreen("Overview");
     fillScreen("Overview");
+}
+
+void frmMain::prepareDataFolders() {
+    // The organiser lives from here on: the folders are final now.
+    m_organiserContext = std::make_unique<OrganiserContext>(
+        OrganiserContext{m_folders, m_ini, m_clock, m_messages});
+    m_organiser = std::make_unique<OrganiserScreen>(*this, *m_organiserContext,
+                                                    [this](const QByteArray& screen) {
+                                                        ShowScreen(screen);
+                                                        fillScreen(screen);
+                                                    });
+    m_organiser->prepareDataFolders();
+}
+
+void frmMain::readOverviewTexts() {
+    if (m_organiser)
+        m_organiser->readOverviewTexts();
+}
+
+void frmMain::loadAgenda() {
+    if (m_organiser)
+        m_organiser->loadAgenda();
+}
+
+void frmMain::fillScreen(const QByteArray& screen) {
+    if (m_organiser)
+        m_organiser->fillScreen(screen);
+}
+
+void frmMain::showListEntry(const QByteArray& screen) {
+    if (m_organiser)
+        m_organiser->listReleased(screen);
+}
+
+void frmMain::jumpFromOverview() {
+    if (m_organiser)
+        m_organiser->overviewReleased();
+}
+
+void frmMain::refreshAgendaEditor() {
+    if (m_organiser)
+        m_organiser->modeClicked();
+}
+
+void frmMain::agendaPriorityChosen(int priority) {
+    if (m_organiser)
+        m_organiser->priorityChosen(priority);
 }
 
 void frmMain::pollMailboxes() {
@@ -271,6 +319,8 @@ void frmMain::dispatch(const QByteArray& command) {
         ShutDown();
         return;
     default:
+        if (m_organiser && m_organiser->command(match.name, match.arg))
+            return;
         notYetAvailable(match.name);
         return;
     }

@@ -28,6 +28,8 @@ namespace mirel {
 class Clock;
 class LayoutEngine;
 class MessageSink;
+class OrganiserScreen;
+struct OrganiserContext;
 class SettingsStore;
 class SingleInstance;
 class SoundPlayer;
@@ -105,15 +107,15 @@ class frmMain : public SkinHost {
     // place in the start-up sequence or after its screen was laid out.
     void prepareMailStore() {}
     void loadMailAccounts() {}
-    void prepareDataFolders() {}
-    void readOverviewTexts() {}
-    void loadAgenda() {}
+    void prepareDataFolders();
+    void readOverviewTexts();
+    void loadAgenda();
     void showOverview();
-    void fillScreen(const QByteArray& screen) {}
-    void showListEntry(const QByteArray& screen) {}
-    void jumpFromOverview() {}
-    void refreshAgendaEditor() {}
-    void agendaPriorityChosen(int priority) {}
+    void fillScreen(const QByteArray& screen);
+    void showListEntry(const QByteArray& screen);
+    void jumpFromOverview();
+    void refreshAgendaEditor();
+    void agendaPriorityChosen(int priority);
 
     SettingsStore& m_store;
     MessageSink& m_messages;
@@ -125,6 +127,8 @@ class frmMain : public SkinHost {
     std::unique_ptr<SoundPlayer> m_sounds;
     std::unique_ptr<LayoutEngine> m_engine;
     std::unique_ptr<SingleInstance> m_instance;
+    std::unique_ptr<OrganiserContext> m_organiserContext;
+    std::unique_ptr<OrganiserScreen> m_organiser;
     MailboxPoller m_poller;
     QTimer m_mailboxTimer;
     BusyFlag m_busy;
