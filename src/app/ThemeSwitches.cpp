@@ -1,6 +1,6 @@
 #include "app/ThemeSwitches.h"
 
-#include "app/SkinBool.h"
+#include "skin/ControlLine.h"
 #include "settings/CommaList.h"
 #include "settings/IniHelpers.h"
 

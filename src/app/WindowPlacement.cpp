@@ -1,6 +1,6 @@
 #include "app/WindowPlacement.h"
 
-#include "app/SkinBool.h"
+#include "skin/ControlLine.h"
 #include "platform/SettingsStore.h"
 #include "settings/CommaList.h"
 

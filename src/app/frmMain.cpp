@@ -172,8 +172,8 @@ void frmMain::showOverview() {
 
 void frmMain::prepareDataFolders() {
     // The organiser lives from here on: the folders are final now.
-    m_organiserContext = std::make_unique<OrganiserContext>(
-        OrganiserContext{m_folders, m_ini, m_clock, m_messages});
+    m_organiserContext =
+        std::make_unique<OrganiserContext>(OrganiserContext{m_folders, m_ini, m_clock, m_messages});
     m_organiser = std::make_unique<OrganiserScreen>(*this, *m_organiserContext,
                                                     [this](const QByteArray& screen) {
                                                         ShowScreen(screen);
@@ -313,7 +313,7 @@ void frmMain::dispatch(const QByteArray& command) {
         fillScreen("Agenda");
         return;
     case Command::AgendaPriority:
-        selectPriority(match.arg);
+        choosePriority(match.arg);
         return;
     case Command::Quit:
         ShutDown();
@@ -336,18 +336,8 @@ void frmMain::ShowScreen(const QByteArray& name) {
     log("Screen " + name);
 }
 
-void frmMain::selectPriority(int priority) {
-    if (priority < 0 || priority >= int(state().tables.prioritySlots.size()))
-        return;
-    const int chosen = state().tables.prioritySlots[size_t(priority)];
-    const int previous = state().selectedPriorityButton;
-    if (previous != 0 && previous != chosen) {
-        if (SkinButton* b = button(previous))
-            b->setLit(false);
-    }
-    state().selectedPriorityButton = chosen;
-    if (SkinButton* b = button(chosen))
-        b->setLit(true);
+void frmMain::choosePriority(int priority) {
+    selectPriority(priority);
     agendaPriorityChosen(priority);
 }
 
@@ -362,14 +352,10 @@ void frmMain::ShutDown() {
     if (m_engine && !state().currentScreen.isEmpty())
         m_engine->ClearScreen(*this);
 
-    if (m_folders.ProgramDir.size())
-        m_switches.readAnimation(m_ini, terminalSkn());
-    while (controlCount() > m_controlBaseline) {
-        const QWidget* last = control(controlCount());
-        if (m_switches.Animated && last && last->isVisible())
-            QThread::msleep(ulong(m_switches.AnimDelay));
-        removeLastControl();
-        QCoreApplication::processEvents();
+    if (m_engine) {
+        // The switches are read again so an edited theme animates its exit.
+        m_engine->readAnimation("DEFAULT", terminalSkn());
+        m_engine->unloadControls(*this, m_controlBaseline);
     }
     log("Shut down");
     hide();

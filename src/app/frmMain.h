@@ -37,7 +37,7 @@ class SoundPlayer;
 /// The main window: start-up, mailboxes, ClickButton, ShowScreen, shut-down.
 class frmMain : public SkinHost {
     Q_OBJECT
-  public:
+public:
     enum class StartResult { Ready, AlreadyRunning, Ended };
 
     frmMain(SettingsStore& store, MessageSink& messages, const Clock& clock,
@@ -84,14 +84,15 @@ class frmMain : public SkinHost {
     void overviewListReleased() override;
     void modeButtonClicked(int index) override;
 
-  protected:
+protected:
     void closeEvent(QCloseEvent* event) override;
 
-  private:
+private:
     void pollMailboxes();
     void runClick(int index);
     void dispatch(const QByteArray& command);
-    void selectPriority(int priority);
+    /// AGENDAP0..7: the slot's button becomes the lit, selected one.
+    void choosePriority(int priority);
     void openWithDesktop(const QByteArray& command);
     QByteArray askPassword();
     void playTerminalSound(const char* key);

@@ -22,7 +22,7 @@ struct Contact {
 /// The address screen's operations, on values; also the contact file
 /// format that import and export use.
 class AddressBook {
-  public:
+public:
     explicit AddressBook(const OrganiserContext& ctx) : m_ctx(ctx) {}
 
     QString folder() const;
@@ -45,7 +45,7 @@ class AddressBook {
     bool save(OrganiserState& st, Contact& current) const;
     bool remove(OrganiserState& st, Contact& current) const;
 
-  private:
+private:
     const OrganiserContext& m_ctx;
 };
 

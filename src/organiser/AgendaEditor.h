@@ -28,7 +28,7 @@ struct AgendaEditorState {
 
 /// AGENDAADD … AGENDADELETE, AGENDAP0..7 and the time steps.
 class AgendaEditor {
-  public:
+public:
     /// The time commands in their order, MODEDAYUP = 0 … ENDMINDOWN = 13.
     enum Step {
         DayUp,
@@ -60,7 +60,7 @@ class AgendaEditor {
     bool save(AgendaLists& lists, qint16& selection, AgendaEditorState& ed) const;
     bool remove(AgendaLists& lists, qint16& selection, AgendaEditorState& ed) const;
 
-  private:
+private:
     const OrganiserContext& m_ctx;
     AgendaStore& m_store;
 };

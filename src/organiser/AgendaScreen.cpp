@@ -48,9 +48,8 @@ void AgendaScreen::refreshLabels() {
     SkinHost& h = m_sh.host;
     const auto l = m_ed.labels();
     const std::pair<const char*, const QByteArray*> shown[] = {
-        {"SHOUR", &l.startHour}, {"SMIN", &l.startMin}, {"EHOUR", &l.endHour},
-        {"EMIN", &l.endMin},     {"DAY", &l.day},       {"MONTH", &l.month},
-        {"YEAR", &l.year}};
+        {"SHOUR", &l.startHour}, {"SMIN", &l.startMin}, {"EHOUR", &l.endHour}, {"EMIN", &l.endMin},
+        {"DAY", &l.day},         {"MONTH", &l.month},   {"YEAR", &l.year}};
     for (const auto& [name, text] : shown)
         setLabelText(h.label(h.state().tables.agendaLabels.value(name)), *text);
     // Mode refresh: weekday boxes for weekly items, date steps for dated ones.

@@ -27,7 +27,7 @@ struct AgendaLists {
 
 /// Loading and writing the agenda store and building its views.
 class AgendaStore {
-  public:
+public:
     enum class View { Present, Past };
     explicit AgendaStore(const OrganiserContext& ctx) : m_ctx(ctx) {}
 
@@ -39,7 +39,7 @@ class AgendaStore {
     /// Writes every entry of lstAgUnSort to keys 1.. and "ID" in one replace.
     bool write(const SortedList& lstAgUnSort) const;
 
-  private:
+private:
     const OrganiserContext& m_ctx;
 };
 

@@ -20,7 +20,7 @@ struct MonthView {
 
 /// The calendar store and screen logic.
 class CalendarBook {
-  public:
+public:
     explicit CalendarBook(const OrganiserContext& ctx) : m_ctx(ctx) {}
 
     static int monthLength(int month);
@@ -39,7 +39,7 @@ class CalendarBook {
     /// The decoded note of a day, empty when there is none.
     QByteArray note(const QByteArray& mmdd) const;
 
-  private:
+private:
     const OrganiserContext& m_ctx;
 };
 

@@ -12,11 +12,11 @@ namespace mirel {
 
 /// The data-folder bootstrap.
 class DataFolders {
-  public:
+public:
     explicit DataFolders(const OrganiserContext& ctx) : m_ctx(ctx) {}
     void bootstrap();
 
-  private:
+private:
     QString oldStore() const;
     void convertContacts();
     void convertAgenda();

@@ -36,14 +36,22 @@ void ItemScreen::writeBoxes(const EditBoxes& b) {
     }
 }
 
-void ItemScreen::showRows() { fillList(m_sh.host.generalList(), m_sh.state.rows); }
+void ItemScreen::showRows() {
+    fillList(m_sh.host.generalList(), m_sh.state.rows);
+}
 
 void ItemScreen::fill() {
     EditBoxes b;
     switch (m_kind) {
-    case Kind::Notes: m_notes.load(m_sh.state); break;
-    case Kind::Logbook: m_log.load(m_sh.state, {}); break;
-    case Kind::Todo: m_todo.load(m_sh.state); break;
+    case Kind::Notes:
+        m_notes.load(m_sh.state);
+        break;
+    case Kind::Logbook:
+        m_log.load(m_sh.state, {});
+        break;
+    case Kind::Todo:
+        m_todo.load(m_sh.state);
+        break;
     }
     showRows();
     if (m_kind == Kind::Todo)
@@ -104,9 +112,15 @@ void ItemScreen::listClicked() {
     const int row = list ? list->currentRow() : -1;
     EditBoxes b = readBoxes();
     switch (m_kind) {
-    case Kind::Notes: m_notes.click(m_sh.state, row, b); break;
-    case Kind::Logbook: m_log.click(m_sh.state, row, b); break;
-    case Kind::Todo: m_todo.click(m_sh.state, row, b); break;
+    case Kind::Notes:
+        m_notes.click(m_sh.state, row, b);
+        break;
+    case Kind::Logbook:
+        m_log.click(m_sh.state, row, b);
+        break;
+    case Kind::Todo:
+        m_todo.click(m_sh.state, row, b);
+        break;
     }
     writeBoxes(b);
 }

@@ -12,7 +12,7 @@ namespace mirel {
 /// The logbook screen's operations, on values. EditBoxes: stamp = the
 /// label, body = the text box, title = the search text.
 class Logbook {
-  public:
+public:
     explicit Logbook(const OrganiserContext& ctx) : m_ctx(ctx) {}
 
     /// Lists the entries whose text holds search (all for an empty one).
@@ -30,7 +30,7 @@ class Logbook {
     static QByteArray stampFromDigits(const QByteArray& digits);
     static QByteArray digitsFromStamp(const QByteArray& stamp);
 
-  private:
+private:
     QString folder() const { return m_ctx.itemFolder("Logbook"); }
     QByteArray stampNow() const { return stampFromDigits(m_ctx.stampNow()); }
     void reset(OrganiserState& st, EditBoxes& boxes) const;

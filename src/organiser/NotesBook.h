@@ -11,7 +11,7 @@ namespace mirel {
 
 /// The notes screen's operations, on values.
 class NotesBook {
-  public:
+public:
     explicit NotesBook(const OrganiserContext& ctx) : m_ctx(ctx) {}
 
     void load(OrganiserState& st) const;
@@ -24,7 +24,7 @@ class NotesBook {
     /// Asks first; false when refused, declined or failed.
     bool remove(OrganiserState& st, EditBoxes& boxes) const;
 
-  private:
+private:
     QString folder() const { return m_ctx.itemFolder("Notes"); }
     void reset(OrganiserState& st, EditBoxes& boxes) const;
     const OrganiserContext& m_ctx;

@@ -10,15 +10,17 @@ namespace mirel {
 
 OrganiserScreen::OrganiserScreen(SkinHost& host, OrganiserContext& ctx,
                                  std::function<void(const QByteArray&)> openScreen)
-    : m_sh{host, ctx, {}, {}, {}}, m_openScreen(std::move(openScreen)), m_store(ctx),
-      m_overview(ctx), m_notes(m_sh, ItemScreen::Kind::Notes),
-      m_log(m_sh, ItemScreen::Kind::Logbook), m_todo(m_sh, ItemScreen::Kind::Todo),
-      m_address(m_sh), m_agenda(m_sh, m_store), m_calendar(m_sh, [this] { showOverview(); }) {
+    : m_sh{host, ctx}, m_openScreen(std::move(openScreen)), m_store(ctx), m_overview(ctx),
+      m_notes(m_sh, ItemScreen::Kind::Notes), m_log(m_sh, ItemScreen::Kind::Logbook),
+      m_todo(m_sh, ItemScreen::Kind::Todo), m_address(m_sh), m_agenda(m_sh, m_store),
+      m_calendar(m_sh, [this] { showOverview(); }) {
     // Every save or delete of the organiser refreshes the overview.
     ctx.refreshOverview = [this] { showOverview(); };
 }
 
-void OrganiserScreen::prepareDataFolders() { DataFolders(m_sh.ctx).bootstrap(); }
+void OrganiserScreen::prepareDataFolders() {
+    DataFolders(m_sh.ctx).bootstrap();
+}
 
 void OrganiserScreen::readOverviewTexts() {
     m_texts = m_overview.readTexts();
@@ -37,7 +39,9 @@ void OrganiserScreen::placeMonthPicture() {
     pic->hide();
 }
 
-void OrganiserScreen::loadAgenda() { m_store.load(m_sh.agenda); }
+void OrganiserScreen::loadAgenda() {
+    m_store.load(m_sh.agenda);
+}
 
 void OrganiserScreen::showOverview() {
     // The agenda lists are rebuilt first so the overview always shows the
@@ -114,7 +118,9 @@ void OrganiserScreen::overviewReleased() {
         if (t.month > 0)
             m_calendar.showDay(t.month, t.day);
         break;
-    case OverviewTarget::Email: m_openScreen("Email"); break;
+    case OverviewTarget::Email:
+        m_openScreen("Email");
+        break;
     case OverviewTarget::Todo: {
         m_openScreen("Todo");
         // The overview counts open tasks only; find the same file in the full list.
@@ -128,7 +134,8 @@ void OrganiserScreen::overviewReleased() {
             }
         break;
     }
-    case OverviewTarget::None: break;
+    case OverviewTarget::None:
+        break;
     }
 }
 

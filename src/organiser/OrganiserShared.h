@@ -15,9 +15,9 @@ class SkinHost;
 struct OrganiserShared {
     SkinHost& host;
     OrganiserContext& ctx;
-    OrganiserState state;
-    AgendaLists agenda;
-    SortedList lstSorted2; // the overview's open tasks
+    OrganiserState state{};
+    AgendaLists agenda{};
+    SortedList lstSorted2{true}; // the overview's open tasks
 };
 
 } // namespace mirel

@@ -32,7 +32,7 @@ struct OverviewTarget {
 
 /// Builds the overview list and reads its codes.
 class Overview {
-  public:
+public:
     explicit Overview(const OrganiserContext& ctx) : m_ctx(ctx) {}
 
     OverviewTexts readTexts() const;
@@ -41,7 +41,7 @@ class Overview {
                  SortedList& lstSorted2) const;
     static OverviewTarget target(int code);
 
-  private:
+private:
     const OrganiserContext& m_ctx;
 };
 

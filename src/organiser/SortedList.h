@@ -17,8 +17,9 @@ struct ListEntry {
 
 /// A list of entries, sorted case-insensitively when constructed sorted.
 class SortedList {
-  public:
-    explicit SortedList(bool sorted = true) : m_sorted(sorted) {}
+public:
+    SortedList() = default;
+    explicit SortedList(bool sorted) : m_sorted(sorted) {}
 
     void clear() { m_entries.clear(); }
     /// Inserts at its sorted place (or appends for an unsorted list); returns the position.
@@ -36,8 +37,8 @@ class SortedList {
     void setText(qsizetype i, const QByteArray& text) { m_entries[i].text = text; }
     const QList<ListEntry>& entries() const { return m_entries; }
 
-  private:
-    bool m_sorted;
+private:
+    bool m_sorted = true;
     QList<ListEntry> m_entries;
 };
 

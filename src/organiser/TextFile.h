@@ -11,7 +11,7 @@ namespace mirel {
 
 /// Whole-file access for the organiser's text files.
 class TextFile {
-  public:
+public:
     /// The file's lines without their line ends; nullopt when it cannot be read.
     static std::optional<QList<QByteArray>> readLines(const QString& path,
                                                       QString* error = nullptr);

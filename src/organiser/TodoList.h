@@ -11,7 +11,7 @@ namespace mirel {
 /// The to-do screen's operations, on values. EditBoxes: body = the text
 /// box, doneButtonVisible = the "BD" button.
 class TodoList {
-  public:
+public:
     explicit TodoList(const OrganiserContext& ctx) : m_ctx(ctx) {}
 
     void load(OrganiserState& st) const;
@@ -24,7 +24,7 @@ class TodoList {
     bool markDone(OrganiserState& st, EditBoxes& boxes) const;
     bool remove(OrganiserState& st, EditBoxes& boxes) const;
 
-  private:
+private:
     QString folder() const { return m_ctx.itemFolder("Todo"); }
     void reset(OrganiserState& st, EditBoxes& boxes) const;
     const OrganiserContext& m_ctx;

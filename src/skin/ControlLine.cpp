@@ -87,17 +87,21 @@ ControlLine parseControlLine(QByteArrayView text) {
     return line;
 }
 
-bool parseSkinBool(QByteArrayView text, bool fallback) {
+std::optional<bool> parseSkinBool(QByteArrayView text) {
     const QByteArray t = text.toByteArray().trimmed().toLower();
     if (t == "true")
         return true;
     if (t == "false")
         return false;
-    if (t.isEmpty())
-        return fallback;
     bool ok = false;
     const double v = t.toDouble(&ok);
-    return ok ? v != 0 : fallback;
+    if (!ok)
+        return std::nullopt;
+    return v != 0;
+}
+
+bool parseSkinBool(QByteArrayView text, bool fallback) {
+    return parseSkinBool(text).value_or(fallback);
 }
 
 } // namespace mirel

@@ -6,6 +6,7 @@
 // everything after the ninth comma, so it may itself contain commas.
 #include <QByteArray>
 #include <QList>
+#include <optional>
 
 namespace mirel {
 
@@ -57,6 +58,10 @@ ControlLine parseControlLine(QByteArrayView text);
 
 /// True for the values the skin writes for "yes": "True" (any case) or a
 /// non-zero number. "False" and 0 are false; anything else gives fallback.
+/// Reads a skin or store switch: "True"/"False" in any case, or a number
+/// (0 is false, anything else true). Other text is no boolean at all: the
+/// caller keeps its default, as for a missing key.
+std::optional<bool> parseSkinBool(QByteArrayView text);
 bool parseSkinBool(QByteArrayView text, bool fallback);
 
 } // namespace mirel

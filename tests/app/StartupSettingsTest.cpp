@@ -1,6 +1,6 @@
 #include "TestSupport.h"
 #include "app/PasswordGate.h"
-#include "app/SkinBool.h"
+#include "skin/ControlLine.h"
 #include "app/SkinChoice.h"
 #include "app/ThemeSwitches.h"
 #include "app/WindowPlacement.h"
