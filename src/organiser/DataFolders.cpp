@@ -49,7 +49,7 @@ void DataFolders::bootstrap() {
         QDir().mkpath(m_ctx.folders.path(QString::fromLatin1(dir)));
 
     const QString dirs = m_ctx.directoriesIni();
-    for (const QByteArray key : {QByteArray("Logbook"), QByteArray("Notes"), QByteArray("Todo")})
+    for (const QByteArray& key : {QByteArray("Logbook"), QByteArray("Notes"), QByteArray("Todo")})
         if (!m_ctx.ini.ReadIniKey("MIREL", key, dirs))
             IniFile::write(dirs, "MIREL", key, m_ctx.defaultItemFolder(key).toUtf8());
 

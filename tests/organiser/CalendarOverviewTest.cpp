@@ -49,7 +49,10 @@ TEST_F(CalendarOverviewTest, DayNotesByDayOfYear) {
 
 TEST_F(CalendarOverviewTest, EmptyOverviewHasFourHeadersAtZero) {
     Overview ov(ctx);
-    OverviewTexts texts{"Calendar ", "To do ", "Agenda "};
+    OverviewTexts texts;
+    texts.calendar = "Calendar ";
+    texts.todo = "To do ";
+    texts.agenda = "Agenda ";
     SortedList rows{false}, tasks;
     ov.refresh(texts, AgendaLists{}, rows, tasks);
     EXPECT_EQ(
@@ -88,7 +91,10 @@ TEST_F(CalendarOverviewTest, OverviewSectionsCodesAndCounts) {
     AgendaLists lists;
     store.load(lists);
     Overview ov(ctx);
-    OverviewTexts texts{"Cal", "Todo", "Agenda"};
+    OverviewTexts texts;
+    texts.calendar = "Cal";
+    texts.todo = "Todo";
+    texts.agenda = "Agenda";
     texts.mailFolders[0] = "Inbox";
     SortedList rows{false}, tasks;
     ov.refresh(texts, lists, rows, tasks);
