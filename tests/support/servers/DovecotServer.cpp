@@ -2,11 +2,11 @@
 
 #include "servers/LoopbackPort.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <csignal>
-#include <QDateTime>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
