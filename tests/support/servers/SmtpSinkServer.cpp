@@ -27,7 +27,8 @@ bool SmtpSinkServer::start(const Options& o) {
         args << QStringLiteral("--login") << QString::fromUtf8(o.login);
     if (!o.reject.isEmpty())
         args << QStringLiteral("--reject") << QString::fromUtf8(o.reject);
-    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // Handshakes the tests break on purpose make aiosmtpd print tracebacks.
+    m_process.setStandardErrorFile(m_dir.path() + QStringLiteral("/server.log"));
     m_process.start(QStringLiteral("/usr/bin/python3"), args);
     if (!m_process.waitForStarted(10000))
         return false;
