@@ -131,7 +131,6 @@ TransportError SmtpClient::send(const MailServer& server, const OutgoingMail& ma
             return {CURLE_READ_ERROR, "Cannot read the attachment " + a.path.toUtf8()};
 
     m_easy.reset();
-    m_easy.clearAbort();
     m_easy.configure(server);
     CURL* c = m_easy.handle();
     curl_easy_setopt(c, CURLOPT_URL, urlFor(server).constData());

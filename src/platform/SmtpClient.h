@@ -23,8 +23,10 @@ class SmtpClient {
 
     void setTrace(CurlEasy::Trace trace) { m_easy.setTrace(std::move(trace)); }
     void setProgress(CurlEasy::Progress progress) { m_easy.setProgress(std::move(progress)); }
-    /// From another thread: the running send fails soon with an abort error.
+    /// From another thread: the running send (or the next, if none runs)
+    /// fails soon with an abort error, until clearAbort().
     void abort() { m_easy.abort(); }
+    void clearAbort() { m_easy.clearAbort(); }
 
     /// Logs in when server.userName is set. A refused recipient fails the
     /// whole message (nothing is sent to anyone).
