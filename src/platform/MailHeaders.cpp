@@ -1,6 +1,7 @@
 #include "platform/MailHeaders.h"
 
 #include <QRandomGenerator>
+#include <algorithm>
 
 namespace mirel {
 namespace {
@@ -69,6 +70,16 @@ bool isDomain(QByteArrayView text) {
     return true;
 }
 
+QByteArray unescapeQuoted(const QByteArray& text) {
+    QByteArray out;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\' && i + 1 < text.size())
+            ++i;
+        out += text[i];
+    }
+    return out;
+}
+
 QByteArray trimmedBytes(QByteArrayView v) {
     return v.trimmed().toByteArray();
 }
@@ -86,7 +97,9 @@ QList<Mailbox> MailHeaders::parseAddressList(QByteArrayView list) {
     qsizetype start = 0;
     for (qsizetype i = 0; i <= list.size(); ++i) {
         const char c = i < list.size() ? list[i] : ',';
-        if (c == '"')
+        if (quoted && c == '\\' && i + 1 < list.size())
+            ++i; // an escaped character inside quotes is never a delimiter
+        else if (c == '"')
             quoted = !quoted;
         else if (!quoted && c == '<')
             ++angle;
@@ -110,7 +123,7 @@ QList<Mailbox> MailHeaders::parseAddressList(QByteArrayView list) {
             QByteArray name = trimmedBytes(piece.first(open));
             if (name.size() >= 2 && name.startsWith('"') && name.endsWith('"'))
                 name = name.mid(1, name.size() - 2);
-            m.displayName = name.replace("\\\"", "\"").trimmed();
+            m.displayName = unescapeQuoted(name).trimmed();
         } else {
             m.address = piece.toByteArray();
         }
@@ -124,7 +137,11 @@ QByteArray MailHeaders::formatAddressList(const QList<Mailbox>& list) {
     QList<QByteArray> out;
     for (const Mailbox& m : list) {
         if (m.displayName.isEmpty()) {
-            out.append(m.address);
+            // A bare address with a list delimiter in it would come apart.
+            const bool plain = std::none_of(m.address.begin(), m.address.end(), [](char c) {
+                return c == ',' || c == '"' || c == '<' || c == '>' || c == ' ';
+            });
+            out.append(plain ? m.address : '<' + m.address + '>');
             continue;
         }
         QByteArray name;

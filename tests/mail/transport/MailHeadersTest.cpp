@@ -54,9 +54,16 @@ TEST(MailHeaders, AddressListsSplitOnlyOnSeparatingCommas) {
         {"\"unbalanced, a@x", {{"", "\"unbalanced, a@x"}}},
         {"", {}},
         {"Name <>", {}},
+        // Found by fuzzing: an escaped quote does not end the quoted name,
+        // and a comma inside angle brackets does not split.
+        {"\"a\\\", b\" <q@x>, c@y", {{"a\", b", "q@x"}, {"", "c@y"}}},
+        {"<only@,x>, c@y", {{"", "only@,x"}, {"", "c@y"}}},
     };
-    for (const Case& c : cases)
+    for (const Case& c : cases) {
         EXPECT_EQ(MailHeaders::parseAddressList(c.in), c.out) << c.in;
+        EXPECT_EQ(MailHeaders::parseAddressList(MailHeaders::formatAddressList(c.out)), c.out)
+            << c.in;
+    }
 }
 
 TEST(MailHeaders, DisplayNamesAreQuotedOrEncodedAddressesNever) {
