@@ -86,6 +86,14 @@ TransportError Pop3Client::fetch(int n, QByteArray& message) {
     curl_easy_setopt(c, CURLOPT_WRITEDATA, &message);
     TransportError e = m_easy.perform();
     curl_easy_setopt(c, CURLOPT_WRITEDATA, nullptr);
+    // A message ends with CR LF and a line holding a dot. curl also takes
+    // the server hanging up as an end, which would pass half a message off
+    // as a whole one; what it hands over of a complete message always ends
+    // with that CR LF. (A hang-up exactly at a line end still gets past this
+    // check; the next command then finds the line gone.)
+    if (!e && !message.isEmpty() && !message.endsWith("\r\n"))
+        e = {CURLE_PARTIAL_FILE,
+             "The server closed the connection before the end of message " + QByteArray::number(n)};
     if (e)
         message.clear();
     return e;
