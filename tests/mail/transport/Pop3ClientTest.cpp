@@ -123,14 +123,6 @@ TEST_F(Pop3ClientTest, RefusalsAreErrorsWithNumberAndText) {
     EXPECT_EQ(server.messagesOf("ann"), 3);
 }
 
-TEST_F(Pop3ClientTest, NoFetchWithoutLogin) {
-    Pop3Client pop;
-    QByteArray got;
-    EXPECT_TRUE(pop.fetch(1, got));
-    EXPECT_TRUE(pop.remove(1));
-    pop.logout(); // harmless
-}
-
 TEST(Pop3ClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
     struct Case {
         QByteArray host;
