@@ -1,0 +1,143 @@
+#include "platform/CurlEasy.h"
+
+#include "platform/ProtocolTrace.h"
+
+#include <cctype>
+#include <curl/curl.h>
+#include <mutex>
+
+namespace mirel {
+namespace {
+
+void globalInit() {
+    static std::once_flag once;
+    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+}
+
+// "-ERR ..." in POP3, a 4xx or 5xx reply in SMTP.
+bool isRefusal(const QByteArray& reply) {
+    if (reply.startsWith("-ERR"))
+        return true;
+    return reply.size() >= 3 && (reply[0] == '4' || reply[0] == '5') &&
+           std::isdigit(uchar(reply[1])) && std::isdigit(uchar(reply[2]));
+}
+
+} // namespace
+
+struct CurlCallbacks {
+    static size_t onHeader(char* data, size_t size, size_t count, void* self) {
+        QByteArray line(data, qsizetype(size * count));
+        while (line.endsWith('\n') || line.endsWith('\r'))
+            line.chop(1);
+        static_cast<CurlEasy*>(self)->m_replies.append(line);
+        return size * count;
+    }
+
+    static int onDebug(CURL*, int type, char* data, size_t size, void* self) {
+        auto* me = static_cast<CurlEasy*>(self);
+        if (!me->m_trace)
+            return 0;
+        const QByteArrayView bytes(data, qsizetype(size));
+        switch (curl_infotype(type)) {
+        case CURLINFO_TEXT:
+            me->m_trace("* " + bytes.trimmed().toByteArray());
+            break;
+        case CURLINFO_HEADER_IN:
+            me->m_trace("< " + bytes.trimmed().toByteArray());
+            break;
+        case CURLINFO_HEADER_OUT:
+            me->m_trace("> " + redactSentLine(bytes));
+            break;
+        default: // message bodies stay out of the trace
+            break;
+        }
+        return 0;
+    }
+
+    static int onProgress(void* self, curl_off_t dlTotal, curl_off_t dlNow, curl_off_t ulTotal,
+                          curl_off_t ulNow) {
+        auto* me = static_cast<CurlEasy*>(self);
+        const qint64 done = dlNow ? dlNow : ulNow;
+        if (me->m_progress && done && done != me->m_lastDone) {
+            me->m_lastDone = done;
+            me->m_progress(done, dlNow ? dlTotal : ulTotal);
+        }
+        return me->m_abort ? 1 : 0;
+    }
+};
+
+CurlEasy::CurlEasy() {
+    globalInit();
+    init();
+}
+
+CurlEasy::~CurlEasy() {
+    if (m_curl)
+        curl_easy_cleanup(m_curl);
+}
+
+void CurlEasy::init() {
+    m_curl = curl_easy_init();
+    m_errorBuffer[0] = 0;
+}
+
+void CurlEasy::reset() {
+    if (m_curl)
+        curl_easy_cleanup(m_curl);
+    init();
+}
+
+void CurlEasy::configure(const MailServer& server) {
+    CURL* c = m_curl;
+    curl_easy_setopt(c, CURLOPT_ERRORBUFFER, m_errorBuffer);
+    curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT, long(server.connectTimeoutSeconds));
+    // A stalled server must not hold the session for ever; a slow but
+    // moving transfer of a big message may take as long as it needs.
+    curl_easy_setopt(c, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(c, CURLOPT_LOW_SPEED_TIME, long(server.stallTimeoutSeconds));
+    curl_easy_setopt(c, CURLOPT_SERVER_RESPONSE_TIMEOUT, long(server.stallTimeoutSeconds));
+    curl_easy_setopt(c, CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(c, CURLOPT_SSL_VERIFYHOST, 2L);
+    if (!server.caFile.isEmpty())
+        curl_easy_setopt(c, CURLOPT_CAINFO, server.caFile.toLocal8Bit().constData());
+    curl_easy_setopt(c, CURLOPT_HEADERFUNCTION, &CurlCallbacks::onHeader);
+    curl_easy_setopt(c, CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(c, CURLOPT_DEBUGFUNCTION, &CurlCallbacks::onDebug);
+    curl_easy_setopt(c, CURLOPT_DEBUGDATA, this);
+    curl_easy_setopt(c, CURLOPT_VERBOSE, m_trace ? 1L : 0L);
+    curl_easy_setopt(c, CURLOPT_XFERINFOFUNCTION, &CurlCallbacks::onProgress);
+    curl_easy_setopt(c, CURLOPT_XFERINFODATA, this);
+    curl_easy_setopt(c, CURLOPT_NOPROGRESS, 0L);
+    if (!server.userName.isEmpty()) {
+        curl_easy_setopt(c, CURLOPT_USERNAME, server.userName.constData());
+        curl_easy_setopt(c, CURLOPT_PASSWORD, server.password.constData());
+    }
+}
+
+TransportError CurlEasy::perform() {
+    m_replies.clear();
+    m_errorBuffer[0] = 0;
+    m_lastDone = -1;
+    if (m_abort)
+        return errorFor(CURLE_ABORTED_BY_CALLBACK);
+    const CURLcode code = curl_easy_perform(m_curl);
+    return code == CURLE_OK ? TransportError::ok() : errorFor(code);
+}
+
+TransportError CurlEasy::errorFor(int code) const {
+    QByteArray text = curl_easy_strerror(CURLcode(code));
+    if (m_errorBuffer[0] && text != m_errorBuffer)
+        text += QByteArray(": ") + m_errorBuffer;
+    // The server's own words for a refusal say most; the replies after it
+    // (QUIT on the way out) say nothing.
+    for (qsizetype i = m_replies.size() - 1; i >= 0; --i) {
+        if (isRefusal(m_replies[i])) {
+            text += QByteArray(" (") + m_replies[i] + ')';
+            break;
+        }
+    }
+    return {code, text};
+}
+
+} // namespace mirel

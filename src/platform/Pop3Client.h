@@ -1,0 +1,51 @@
+#pragma once
+// A POP3 session on one libcurl handle: connect() logs in and reads the
+// message count (STAT); fetch() and remove() then run on the same
+// connection, so the server sees one log-in per session; logout() sends QUIT,
+// which is when the server really deletes what remove() marked.
+//
+// TLS: port 995 speaks TLS from the first byte; on any other port STLS is
+// used when the server offers it. Certificates are always checked: a server
+// that offers TLS with a certificate that fails the check is an error, not
+// a reason to carry on in the clear.
+//
+// Blocking; one thread at a time. AsyncPop3Client runs it off the UI thread.
+#include "platform/CurlEasy.h"
+
+namespace mirel {
+
+/// Blocking POP3 client: log in, count, fetch, delete, log out.
+class Pop3Client {
+  public:
+    static constexpr int kImplicitTlsPort = 995;
+
+    void setTrace(CurlEasy::Trace trace) { m_easy.setTrace(std::move(trace)); }
+    void setProgress(CurlEasy::Progress progress) { m_easy.setProgress(std::move(progress)); }
+
+    /// Logs in (ending any earlier session first) and reads the count.
+    TransportError connect(const MailServer& server);
+    bool isConnected() const { return m_connected; }
+    int messageCount() const { return m_count; }
+    /// Message n (1-based) as the server stores it, dot-stuffing undone.
+    TransportError fetch(int n, QByteArray& message);
+    /// Marks message n for deletion at logout.
+    TransportError remove(int n);
+    /// Sends QUIT and closes the connection; harmless when not connected.
+    void logout();
+    /// From another thread: the running action fails soon with an abort error.
+    void abort() { m_easy.abort(); }
+    /// The address of message n (0: the mailbox); its scheme shows the TLS kind.
+    static QByteArray urlFor(const MailServer& server, int message);
+
+  private:
+    static bool implicitTls(const MailServer& server);
+    TransportError command(const char* verb, int message);
+    TransportError notConnected() const;
+
+    CurlEasy m_easy;
+    MailServer m_server;
+    int m_count = 0;
+    bool m_connected = false;
+};
+
+} // namespace mirel

@@ -1,0 +1,197 @@
+#include "platform/Pop3Client.h"
+
+#include "servers/DovecotServer.h"
+#include "servers/LoopbackPort.h"
+
+#include <QTemporaryDir>
+#include <curl/curl.h>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+const QByteArray kFirst =
+    "From: Ann <ann@example.org>\r\nTo: bob@example.org\r\n"
+    "Subject: one\r\nMessage-ID: <1@example.org>\r\n\r\nHello\r\n"
+    ".a line that starts with a dot\r\n..and two\r\n.\r\nafter a lone dot\r\n";
+const QByteArray kSecond = "From: c@example.org\r\nSubject: two\r\n\r\n8-bit caf\xE9\r\n";
+const QByteArray kThird = "From: d@example.org\r\nSubject: three\r\n\r\n" +
+                          QByteArray("0123456789abcdef0123456789abcdef0123456789abcdef01\r\n")
+                              .repeated(4000); // 200 KB: several reads
+
+class Pop3ClientTest : public ::testing::Test {
+  protected:
+    DovecotServer server;
+    QByteArray traced;
+
+    void SetUp() override {
+        server.addUser("ann", "s3cret-pw");
+        for (const QByteArray& m : {kFirst, kSecond, kThird})
+            server.deliver("ann", m);
+    }
+
+    MailServer account(int port, const QByteArray& password = "s3cret-pw") {
+        MailServer s;
+        s.host = "127.0.0.1";
+        s.port = port;
+        s.userName = "ann";
+        s.password = password;
+        s.connectTimeoutSeconds = 5;
+        s.stallTimeoutSeconds = 10;
+        return s;
+    }
+    void traceInto(Pop3Client& c) {
+        c.setTrace([this](QByteArrayView line) { traced += line.toByteArray() + '\n'; });
+    }
+    void expectNoSecretInTrace() {
+        EXPECT_FALSE(traced.contains("s3cret-pw"));
+        // AUTH PLAIN sends "\0user\0password" in base64; LOGIN the password alone.
+        EXPECT_FALSE(traced.contains(QByteArray("\0ann\0s3cret-pw", 14).toBase64()));
+        EXPECT_FALSE(traced.contains(QByteArray("s3cret-pw").toBase64()));
+    }
+    static int logins(const QByteArray& log) { return int(log.count("pop3-login: Info: Login:")); }
+};
+
+TEST_F(Pop3ClientTest, CountsFetchesAndDeletesOverOneLogin) {
+    ASSERT_TRUE(server.start());
+    Pop3Client pop;
+    traceInto(pop);
+    ASSERT_FALSE(pop.connect(account(server.port()))) << traced.constData();
+    EXPECT_EQ(pop.messageCount(), 3);
+
+    QByteArray got;
+    const QByteArray expected[] = {kFirst, kSecond, kThird};
+    for (int n = 1; n <= 3; ++n) {
+        ASSERT_FALSE(pop.fetch(n, got)) << n;
+        EXPECT_EQ(got, expected[n - 1]) << n; // dot-stuffing undone, 8-bit kept
+    }
+    EXPECT_FALSE(pop.remove(2));
+    EXPECT_EQ(server.messagesOf("ann"), 3); // deletion waits for QUIT
+    pop.logout();
+    EXPECT_EQ(server.messagesOf("ann"), 2);
+    EXPECT_EQ(logins(server.log()), 1) << server.log().constData();
+    expectNoSecretInTrace();
+
+    // A new session sees what is left, renumbered.
+    ASSERT_FALSE(pop.connect(account(server.port())));
+    EXPECT_EQ(pop.messageCount(), 2);
+    ASSERT_FALSE(pop.fetch(2, got));
+    EXPECT_EQ(got, kThird);
+    pop.logout();
+}
+
+TEST_F(Pop3ClientTest, EmptyMailboxAndMissingMessage) {
+    server.addUser("empty", "x");
+    ASSERT_TRUE(server.start());
+    Pop3Client pop;
+    traceInto(pop);
+    MailServer s = account(server.port());
+    s.userName = "empty";
+    s.password = "x";
+    ASSERT_FALSE(pop.connect(s));
+    EXPECT_EQ(pop.messageCount(), 0);
+    QByteArray got = "stale";
+    const TransportError e = pop.fetch(1, got);
+    EXPECT_TRUE(e);
+    EXPECT_TRUE(got.isEmpty());
+    EXPECT_TRUE(e.description.contains("-ERR")) << e.description.constData() << traced.constData();
+}
+
+TEST_F(Pop3ClientTest, RefusalsAreErrorsWithNumberAndText) {
+    ASSERT_TRUE(server.start());
+    struct Case {
+        const char* what;
+        MailServer server;
+        int number;
+    } cases[] = {
+        {"wrong password", account(server.port(), "wrong"), CURLE_LOGIN_DENIED},
+        {"nothing listening", account(freeLoopbackPort()), CURLE_COULDNT_CONNECT},
+    };
+    for (Case& c : cases) {
+        Pop3Client pop;
+        traceInto(pop);
+        const TransportError e = pop.connect(c.server);
+        EXPECT_EQ(e.number, c.number) << c.what << ": " << e.description.constData();
+        EXPECT_FALSE(e.description.isEmpty()) << c.what;
+        EXPECT_FALSE(pop.isConnected()) << c.what;
+        QByteArray got;
+        EXPECT_TRUE(pop.fetch(1, got)) << c.what;
+    }
+    EXPECT_FALSE(traced.contains("wrong"));
+    EXPECT_EQ(server.messagesOf("ann"), 3);
+}
+
+TEST(Pop3ClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
+    struct Case {
+        QByteArray host;
+        int port;
+        MailServer::Tls tls;
+        const char* url;
+    } cases[] = {
+        {"pop.example.org", 995, MailServer::Tls::ByPort, "pop3s://pop.example.org:995/7"},
+        {"pop.example.org", 110, MailServer::Tls::ByPort, "pop3://pop.example.org:110/7"},
+        {"127.0.0.1", 2110, MailServer::Tls::Implicit, "pop3s://127.0.0.1:2110/7"},
+        {"127.0.0.1", 995, MailServer::Tls::WhenOffered, "pop3://127.0.0.1:995/7"},
+        {"::1", 110, MailServer::Tls::ByPort, "pop3://[::1]:110/7"},
+    };
+    for (const Case& c : cases) {
+        MailServer s;
+        s.host = c.host;
+        s.port = c.port;
+        s.tls = c.tls;
+        EXPECT_EQ(Pop3Client::urlFor(s, 7), c.url);
+    }
+}
+
+class Pop3TlsTest : public Pop3ClientTest {
+  protected:
+    QTemporaryDir certDir;
+    TestCertificate cert = TestCertificate::make(certDir.path());
+};
+
+TEST_F(Pop3TlsTest, StartTlsAndImplicitTlsWithATrustedCertificate) {
+    ASSERT_TRUE(server.start(cert));
+    for (MailServer::Tls mode : {MailServer::Tls::WhenOffered, MailServer::Tls::Implicit}) {
+        traced.clear();
+        Pop3Client pop;
+        traceInto(pop);
+        MailServer s =
+            account(mode == MailServer::Tls::Implicit ? server.tlsPort() : server.port());
+        s.tls = mode;
+        s.caFile = cert.certFile;
+        const TransportError e = pop.connect(s);
+        ASSERT_FALSE(e) << e.description.constData() << traced.constData();
+        EXPECT_EQ(pop.messageCount(), 3);
+        QByteArray got;
+        ASSERT_FALSE(pop.fetch(2, got));
+        EXPECT_EQ(got, kSecond);
+        pop.logout();
+        if (mode == MailServer::Tls::WhenOffered)
+            EXPECT_TRUE(traced.contains("> STLS")) << traced.constData();
+        else
+            EXPECT_FALSE(traced.contains("STLS"));
+        expectNoSecretInTrace();
+    }
+    EXPECT_EQ(logins(server.log()), 2);
+    EXPECT_TRUE(server.log().contains("TLS")) << server.log().constData();
+}
+
+TEST_F(Pop3TlsTest, AnUntrustedCertificateIsAnErrorNeverAFallBack) {
+    ASSERT_TRUE(server.start(cert));
+    for (MailServer::Tls mode : {MailServer::Tls::WhenOffered, MailServer::Tls::Implicit}) {
+        Pop3Client pop;
+        traceInto(pop);
+        MailServer s =
+            account(mode == MailServer::Tls::Implicit ? server.tlsPort() : server.port());
+        s.tls = mode; // and only the system's certificates are trusted
+        const TransportError e = pop.connect(s);
+        EXPECT_EQ(e.number, CURLE_PEER_FAILED_VERIFICATION) << e.description.constData();
+        EXPECT_FALSE(pop.isConnected());
+    }
+    EXPECT_EQ(logins(server.log()), 0) << server.log().constData();
+    expectNoSecretInTrace();
+}
+
+} // namespace

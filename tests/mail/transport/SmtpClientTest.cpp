@@ -1,0 +1,244 @@
+#include "platform/SmtpClient.h"
+
+#include "TestSupport.h"
+#include "platform/Cp1252.h"
+#include "servers/LoopbackPort.h"
+#include "servers/SmtpSinkServer.h"
+
+#include <QJsonArray>
+#include <QTimeZone>
+#include <curl/curl.h>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+QString text(const QByteArray& cp1252) {
+    return Cp1252::toUnicode(cp1252);
+}
+
+QString headerOf(const QJsonObject& msg, const QString& name, int* count = nullptr) {
+    QString value;
+    int n = 0;
+    for (const QJsonValue& h : msg[QStringLiteral("headers")].toArray()) {
+        if (h[0].toString().compare(name, Qt::CaseInsensitive) == 0) {
+            value = h[1].toString();
+            ++n;
+        }
+    }
+    if (count)
+        *count = n;
+    return value;
+}
+
+QString lf(QString s) {
+    return s.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+}
+
+class SmtpClientTest : public ::testing::Test {
+  protected:
+    SmtpSinkServer sink;
+    TempDir dir;
+    QByteArray traced;
+    const QDateTime now{QDate(2026, 11, 22), QTime(20, 44, 5), QTimeZone(3600)};
+
+    MailServer server(int port) {
+        MailServer s;
+        s.host = "127.0.0.1";
+        s.port = port;
+        s.connectTimeoutSeconds = 5;
+        s.stallTimeoutSeconds = 10;
+        return s;
+    }
+    void traceInto(SmtpClient& c) {
+        c.setTrace([this](QByteArrayView line) { traced += line.toByteArray() + '\n'; });
+    }
+    static OutgoingMail simpleMail() {
+        OutgoingMail m;
+        m.from = "\"Ann Lee\" <ann@example.org>";
+        m.to = "bob@example.org";
+        m.subject = "Hi";
+        m.text = "Hello\r\n";
+        m.html = "<p>Hello</p>";
+        return m;
+    }
+};
+
+TEST_F(SmtpClientTest, TheReceiverReadsEveryPartAndNoBlindCopy) {
+    ASSERT_TRUE(sink.start({}));
+    QByteArray binary;
+    for (int i = 0; i < 25000; ++i)
+        binary += char((i * 7) & 0xFF);
+    const QString onDisk = dir.file(QStringLiteral("report.pdf"));
+    writeAll(onDisk, "%PDF-1.4\r\n\x00\xFF binary" + binary.left(300));
+
+    OutgoingMail m;
+    m.from = "\"Ann Lee\" <ann@example.org>";
+    m.to = "bob@example.org, \"Smith, Jo\" <jo@example.org>";
+    m.cc = "Carl <cc@example.org>";
+    m.bcc = "hidden@example.org";
+    m.subject = "Caf\xE9 au lait \x96 gr\xF6\xDF"
+                "e";
+    m.text = "Hello Bob,\r\n\r\nline with caf\xE9 and a very long line " + QByteArray(120, 'x') +
+             "\r\n.\r\nend\r\n";
+    m.html = "<html><body><p>Hello <b>Bob</b> caf\xE9</p></body></html>";
+    m.headers = {{"X-Mailer", "TORVEX Terminal MIREL v2.0"},
+                 {"X-Note", "d\xE9j\xE0 vu"},
+                 {"Bcc", "leak@example.org"},
+                 {"Content-Type", "text/plain"}};
+    m.attachments = {
+        {"data.bin", {}, binary}, {"r\xE9sum\xE9.pdf", onDisk, {}}, {"empty.txt", {}, {}}};
+
+    SmtpClient smtp;
+    traceInto(smtp);
+    const TransportError e = smtp.send(server(sink.port()), m, now);
+    ASSERT_FALSE(e) << e.description.constData() << traced.constData();
+
+    const QList<QJsonObject> got = sink.messages();
+    ASSERT_EQ(got.size(), 1);
+    const QJsonObject& msg = got[0];
+    EXPECT_EQ(msg[QStringLiteral("mail_from")].toString(), QStringLiteral("ann@example.org"));
+    EXPECT_EQ(
+        msg[QStringLiteral("rcpt_tos")].toVariant().toStringList(),
+        (QStringList{"bob@example.org", "jo@example.org", "cc@example.org", "hidden@example.org"}));
+    EXPECT_FALSE(sink.raw(1).contains("hidden@")) << "blind copy in the message";
+    EXPECT_FALSE(sink.raw(1).contains("leak@"));
+
+    EXPECT_EQ(headerOf(msg, "Subject"), text(m.subject));
+    EXPECT_EQ(headerOf(msg, "From"), QStringLiteral("Ann Lee <ann@example.org>"));
+    EXPECT_EQ(headerOf(msg, "To"),
+              QStringLiteral("bob@example.org, \"Smith, Jo\" <jo@example.org>"));
+    EXPECT_EQ(headerOf(msg, "Cc"), QStringLiteral("Carl <cc@example.org>"));
+    EXPECT_EQ(headerOf(msg, "Date"), QStringLiteral("Sun, 22 Nov 2026 20:44:05 +0100"));
+    EXPECT_TRUE(headerOf(msg, "Message-ID").endsWith(QStringLiteral("@example.org>")));
+    EXPECT_EQ(headerOf(msg, "X-Mailer"), QStringLiteral("TORVEX Terminal MIREL v2.0"));
+    EXPECT_EQ(headerOf(msg, "X-Note"), text("d\xE9j\xE0 vu"));
+    int contentTypes = 0;
+    headerOf(msg, "Content-Type", &contentTypes);
+    EXPECT_EQ(contentTypes, 1);
+    EXPECT_EQ(msg[QStringLiteral("content_type")].toString(), QStringLiteral("multipart/mixed"));
+
+    EXPECT_EQ(lf(msg[QStringLiteral("text")].toString()), lf(text(m.text)));
+    EXPECT_EQ(lf(msg[QStringLiteral("html")].toString()).trimmed(), text(m.html));
+
+    const QJsonArray atts = msg[QStringLiteral("attachments")].toArray();
+    ASSERT_EQ(atts.size(), 3);
+    EXPECT_EQ(atts[0][QStringLiteral("filename")].toString(), QStringLiteral("data.bin"));
+    EXPECT_EQ(QByteArray::fromBase64(atts[0][QStringLiteral("data")].toString().toLatin1()),
+              binary);
+    EXPECT_EQ(atts[1][QStringLiteral("filename")].toString(), text("r\xE9sum\xE9.pdf"));
+    EXPECT_EQ(QByteArray::fromBase64(atts[1][QStringLiteral("data")].toString().toLatin1()),
+              readAll(onDisk));
+    EXPECT_EQ(atts[2][QStringLiteral("filename")].toString(), QStringLiteral("empty.txt"));
+    EXPECT_TRUE(atts[2][QStringLiteral("data")].toString().isEmpty());
+}
+
+TEST_F(SmtpClientTest, OneBodyAloneIsTheWholeText) {
+    ASSERT_TRUE(sink.start({}));
+    OutgoingMail m = simpleMail();
+    m.html.clear();
+    SmtpClient smtp;
+    traceInto(smtp);
+    ASSERT_FALSE(smtp.send(server(sink.port()), m, now));
+    const QJsonObject msg = sink.messages().value(0);
+    EXPECT_EQ(lf(msg[QStringLiteral("text")].toString()), QStringLiteral("Hello\n"));
+    EXPECT_TRUE(msg[QStringLiteral("html")].isNull());
+}
+
+TEST_F(SmtpClientTest, LogsInOnlyWhenAskedAndNeverShowsThePassword) {
+    ASSERT_TRUE(sink.start({{}, false, "ann:pa55word", {}}));
+    struct Case {
+        const char* what;
+        QByteArray user, password;
+        int number;
+    } cases[] = {
+        {"right password", "ann", "pa55word", 0},
+        {"wrong password", "ann", "nope", CURLE_LOGIN_DENIED},
+        {"no log-in where one is required", "", "", CURLE_SEND_ERROR},
+    };
+    for (const Case& c : cases) {
+        MailServer s = server(sink.port());
+        s.userName = c.user;
+        s.password = c.password;
+        SmtpClient smtp;
+        traceInto(smtp);
+        const TransportError e = smtp.send(s, simpleMail(), now);
+        EXPECT_EQ(e.number, c.number) << c.what << ": " << e.description.constData();
+    }
+    ASSERT_EQ(sink.messages().size(), 1);
+    EXPECT_EQ(sink.messages()[0][QStringLiteral("login")].toString(), QStringLiteral("ann"));
+    EXPECT_FALSE(traced.contains("pa55word"));
+    EXPECT_FALSE(traced.contains(QByteArray("\0ann\0pa55word", 13).toBase64()));
+    EXPECT_FALSE(traced.contains(QByteArray("pa55word").toBase64()));
+}
+
+TEST_F(SmtpClientTest, ARefusedRecipientFailsTheMessage) {
+    ASSERT_TRUE(sink.start({{}, false, {}, "nobody"}));
+    OutgoingMail m = simpleMail();
+    m.to = "bob@example.org, nobody@example.org";
+    SmtpClient smtp;
+    traceInto(smtp);
+    const TransportError e = smtp.send(server(sink.port()), m, now);
+    EXPECT_TRUE(e);
+    EXPECT_TRUE(e.description.contains("550")) << e.description.constData();
+    EXPECT_TRUE(sink.messages().isEmpty());
+}
+
+TEST_F(SmtpClientTest, NothingToSendOrNobodyListening) {
+    SmtpClient smtp;
+    traceInto(smtp);
+    OutgoingMail m = simpleMail();
+    EXPECT_EQ(smtp.send(server(freeLoopbackPort()), m, now).number, CURLE_COULDNT_CONNECT);
+    m.to = " , ";
+    EXPECT_TRUE(smtp.send(server(freeLoopbackPort()), m, now));
+    m = simpleMail();
+    m.from.clear();
+    EXPECT_TRUE(smtp.send(server(freeLoopbackPort()), m, now));
+    m = simpleMail();
+    m.attachments = {{"gone.txt", dir.file(QStringLiteral("gone.txt")), {}}};
+    EXPECT_EQ(smtp.send(server(freeLoopbackPort()), m, now).number, CURLE_READ_ERROR);
+}
+
+TEST(SmtpClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
+    MailServer s;
+    s.host = "smtp.example.org";
+    s.port = 465;
+    EXPECT_EQ(SmtpClient::urlFor(s), "smtps://smtp.example.org:465");
+    s.port = 587;
+    EXPECT_EQ(SmtpClient::urlFor(s), "smtp://smtp.example.org:587");
+    s.tls = MailServer::Tls::Implicit;
+    EXPECT_EQ(SmtpClient::urlFor(s), "smtps://smtp.example.org:587");
+}
+
+class SmtpTlsTest : public SmtpClientTest {
+  protected:
+    QTemporaryDir certDir;
+    TestCertificate cert = TestCertificate::make(certDir.path());
+};
+
+TEST_F(SmtpTlsTest, StartTlsAndImplicitTls) {
+    for (bool implicit : {false, true}) {
+        traced.clear();
+        SmtpSinkServer tlsSink;
+        ASSERT_TRUE(tlsSink.start({cert, implicit, {}, {}}));
+        MailServer s = server(tlsSink.port());
+        s.tls = implicit ? MailServer::Tls::Implicit : MailServer::Tls::WhenOffered;
+        s.caFile = cert.certFile;
+        SmtpClient smtp;
+        traceInto(smtp);
+        const TransportError e = smtp.send(s, simpleMail(), now);
+        ASSERT_FALSE(e) << e.description.constData() << traced.constData();
+        ASSERT_EQ(tlsSink.messages().size(), 1);
+        EXPECT_TRUE(tlsSink.messages()[0][QStringLiteral("tls")].toBool());
+        EXPECT_EQ(traced.contains("> STARTTLS"), !implicit);
+
+        // The same server with only the system's certificates trusted.
+        s.caFile.clear();
+        EXPECT_EQ(smtp.send(s, simpleMail(), now).number, CURLE_PEER_FAILED_VERIFICATION);
+        EXPECT_EQ(tlsSink.messages().size(), 1);
+    }
+}
+
+} // namespace

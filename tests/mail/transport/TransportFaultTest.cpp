@@ -1,0 +1,108 @@
+#include "platform/Pop3Client.h"
+#include "platform/SmtpClient.h"
+
+#include "servers/ScriptedServer.h"
+
+#include <QElapsedTimer>
+#include <curl/curl.h>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+MailServer at(int port) {
+    MailServer s;
+    s.host = "127.0.0.1";
+    s.port = port;
+    s.userName = "ann";
+    s.password = "pw";
+    s.tls = MailServer::Tls::WhenOffered;
+    s.connectTimeoutSeconds = 2;
+    s.stallTimeoutSeconds = 2;
+    return s;
+}
+
+const QByteArray kGreeting = "+OK ready\r\n";
+const QByteArray kCapa = "+OK\r\nUSER\r\n.\r\n";
+const QList<QByteArray> kLogin = {kCapa, "+OK\r\n", "+OK logged in\r\n"};
+
+// A peer that stops in the middle must end in an error within the time
+// limits, never hang the session and never pass for success.
+TEST(TransportFaults, Pop3PeerThatDropsOrStalls) {
+    struct Case {
+        const char* what;
+        QList<QByteArray> replies;
+        ScriptedServer::Ending ending;
+        bool stat; // the failure comes after a good STAT, during RETR
+    } cases[] = {
+        {"hang-up after the greeting", {}, ScriptedServer::Ending::HangUp, false},
+        {"silence after the greeting", {}, ScriptedServer::Ending::Silence, false},
+        {"garbled STAT", kLogin + QList<QByteArray>{"+OK lots\r\n"}, ScriptedServer::Ending::HangUp,
+         false},
+        {"hang-up inside a message",
+         kLogin + QList<QByteArray>{"+OK 1 100\r\n", "+OK\r\nSubject: x\r\n\r\nhalf"},
+         ScriptedServer::Ending::HangUp, true},
+        {"silence inside a message",
+         kLogin + QList<QByteArray>{"+OK 1 100\r\n", "+OK\r\nSubject: x\r\n\r\nhalf"},
+         ScriptedServer::Ending::Silence, true},
+    };
+    for (const Case& c : cases) {
+        ScriptedServer peer(kGreeting, c.replies, c.ending);
+        Pop3Client pop;
+        QByteArray traced;
+        pop.setTrace([&](QByteArrayView l) { traced += l.toByteArray() + '\n'; });
+        QElapsedTimer t;
+        t.start();
+        TransportError e = pop.connect(at(peer.port()));
+        if (c.stat) {
+            ASSERT_FALSE(e) << c.what << ": " << e.description.constData();
+            EXPECT_EQ(pop.messageCount(), 1);
+            QByteArray got;
+            e = pop.fetch(1, got);
+            EXPECT_TRUE(got.isEmpty()) << c.what << traced.constData();
+        }
+        EXPECT_TRUE(e) << c.what;
+        EXPECT_FALSE(e.description.isEmpty()) << c.what;
+        EXPECT_LT(t.elapsed(), 8000) << c.what;
+    }
+}
+
+TEST(TransportFaults, SmtpPeerThatDropsOrStalls) {
+    OutgoingMail m;
+    m.from = "ann@x";
+    m.to = "bob@y";
+    m.text = "t";
+    const QList<QByteArray> upToData = {"250 hi\r\n", "250 ok\r\n", "250 ok\r\n",
+                                        "354 go ahead\r\n"};
+    struct Case {
+        const char* what;
+        QList<QByteArray> replies;
+        ScriptedServer::Ending ending;
+    } cases[] = {
+        {"hang-up after the greeting", {}, ScriptedServer::Ending::HangUp},
+        {"silence after EHLO", {"250 hi\r\n"}, ScriptedServer::Ending::Silence},
+        {"no answer to the data", upToData, ScriptedServer::Ending::Silence},
+        {"hang-up after the data", upToData, ScriptedServer::Ending::HangUp},
+        {"refused sender",
+         {"250 hi\r\n", "553 no such sender\r\n"},
+         ScriptedServer::Ending::HangUp},
+    };
+    for (const Case& c : cases) {
+        ScriptedServer peer("220 scripted\r\n", c.replies, c.ending);
+        SmtpClient smtp;
+        MailServer s = at(peer.port());
+        s.userName.clear();
+        QElapsedTimer t;
+        t.start();
+        const TransportError e = smtp.send(s, m, QDateTime::currentDateTime());
+        EXPECT_TRUE(e) << c.what;
+        EXPECT_LT(t.elapsed(), 8000) << c.what;
+        if (QByteArrayView(c.what) == "refused sender") {
+            EXPECT_TRUE(e.description.contains("553")) << e.description.constData();
+        }
+    }
+}
+
+} // namespace

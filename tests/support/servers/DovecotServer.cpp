@@ -1,0 +1,159 @@
+#include "servers/DovecotServer.h"
+
+#include "servers/LoopbackPort.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <csignal>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mirel::test {
+namespace {
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+void chownTree(const QString& path, unsigned uid, unsigned gid) {
+    if (::geteuid() != 0)
+        return;
+    ::chown(QFile::encodeName(path).constData(), uid, gid);
+    QDirIterator it(path, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        ::chown(QFile::encodeName(it.next()).constData(), uid, gid);
+}
+
+} // namespace
+
+DovecotServer::DovecotServer() {
+    if (::geteuid() == 0) {
+        const passwd* nobody = ::getpwnam("nobody");
+        m_mailUid = nobody ? nobody->pw_uid : 65534;
+        m_mailGid = nobody ? nobody->pw_gid : 65534;
+    } else {
+        m_mailUid = ::getuid();
+        m_mailGid = ::getgid();
+    }
+}
+
+DovecotServer::~DovecotServer() {
+    stop();
+}
+
+void DovecotServer::addUser(const QByteArray& name, const QByteArray& password) {
+    m_passwd += name + ":{PLAIN}" + password + "::::::\n";
+    QDir().mkpath(maildir(name) + QStringLiteral("/new"));
+    QDir().mkpath(maildir(name) + QStringLiteral("/cur"));
+    QDir().mkpath(maildir(name) + QStringLiteral("/tmp"));
+    chownTree(m_dir.path() + QStringLiteral("/home"), m_mailUid, m_mailGid);
+}
+
+QString DovecotServer::maildir(const QByteArray& user) const {
+    return m_dir.path() + QStringLiteral("/home/") + QString::fromUtf8(user) +
+           QStringLiteral("/Maildir");
+}
+
+bool DovecotServer::start(std::optional<TestCertificate> tls) {
+    const QString root = m_dir.path();
+    // The login processes run as the mail user and must reach the sockets.
+    ::chmod(QFile::encodeName(root).constData(), 0755);
+    writeFile(root + QStringLiteral("/passwd"), m_passwd);
+    m_port = freeLoopbackPort();
+    m_tlsPort = tls ? freeLoopbackPort() : 0;
+    const QByteArray loginUser =
+        ::geteuid() == 0 ? QByteArray("nobody") : QByteArray(::getpwuid(::getuid())->pw_name);
+    const QByteArray r = QFile::encodeName(root);
+    QByteArray conf =
+        "base_dir = " + r +
+        "/run\n"
+        "state_dir = " +
+        r +
+        "/state\n"
+        "log_path = " +
+        r +
+        "/dovecot.log\n"
+        "protocols = pop3\n"
+        "listen = 127.0.0.1\n"
+        "default_login_user = " +
+        loginUser +
+        "\n"
+        "default_internal_user = " +
+        loginUser +
+        "\n"
+        "auth_mechanisms = plain login\n"
+        "disable_plaintext_auth = no\n"
+        "mail_location = maildir:~/Maildir\n"
+        "first_valid_uid = 1\n"
+        "service anvil {\n  chroot =\n}\n"
+        "service pop3-login {\n  chroot =\n"
+        "  inet_listener pop3 {\n    port = " +
+        QByteArray::number(m_port) +
+        "\n  }\n"
+        "  inet_listener pop3s {\n    port = " +
+        QByteArray::number(m_tlsPort) +
+        "\n    ssl = yes\n  }\n}\n"
+        "passdb {\n  driver = passwd-file\n  args = scheme=PLAIN username_format=%u " +
+        r +
+        "/passwd\n}\n"
+        "userdb {\n  driver = static\n  args = uid=" +
+        QByteArray::number(m_mailUid) + " gid=" + QByteArray::number(m_mailGid) + " home=" + r +
+        "/home/%u\n}\n";
+    if (tls)
+        conf += "ssl = yes\nssl_cert = <" + QFile::encodeName(tls->certFile) + "\nssl_key = <" +
+                QFile::encodeName(tls->keyFile) + "\n";
+    else
+        conf += "ssl = no\n";
+    writeFile(root + QStringLiteral("/dovecot.conf"), conf);
+    // The auth process runs as the login user and reads the passwd file.
+    chownTree(root + QStringLiteral("/passwd"), m_mailUid, m_mailGid);
+
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(
+        QStringLiteral("/usr/sbin/dovecot"),
+        {QStringLiteral("-F"), QStringLiteral("-c"), root + QStringLiteral("/dovecot.conf")});
+    if (!m_process.waitForStarted(10000))
+        return false;
+    return waitForPort(m_port) && (!tls || waitForPort(m_tlsPort));
+}
+
+void DovecotServer::stop() {
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    ::kill(pid_t(m_process.processId()), SIGTERM);
+    if (!m_process.waitForFinished(10000)) {
+        ::kill(pid_t(m_process.processId()), SIGKILL);
+        m_process.waitForFinished(5000);
+    }
+}
+
+void DovecotServer::deliver(const QByteArray& user, const QByteArray& message) {
+    // Written under tmp/ and moved into new/, as maildir delivery requires,
+    // so the server never sees half a message.
+    const QString name = QStringLiteral("%1.M%2P%3.test")
+                             .arg(QDateTime::currentSecsSinceEpoch())
+                             .arg(++m_delivered)
+                             .arg(::getpid());
+    const QString tmp = maildir(user) + QStringLiteral("/tmp/") + name;
+    writeFile(tmp, message);
+    chownTree(tmp, m_mailUid, m_mailGid);
+    QFile::rename(tmp, maildir(user) + QStringLiteral("/new/") + name);
+}
+
+int DovecotServer::messagesOf(const QByteArray& user) const {
+    return int(QDir(maildir(user) + QStringLiteral("/new")).entryList(QDir::Files).size() +
+               QDir(maildir(user) + QStringLiteral("/cur")).entryList(QDir::Files).size());
+}
+
+QByteArray DovecotServer::log() const {
+    QFile f(m_dir.path() + QStringLiteral("/dovecot.log"));
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+} // namespace mirel::test
