@@ -1,5 +1,7 @@
 #include "app/frmMain.h"
 
+#include "mail/store/MailStore.h"
+#include "mail/transport/AccountsFile.h"
 #include "organiser/OrganiserScreen.h"
 
 #include "app/BundledTheme.h"
@@ -168,6 +170,18 @@ frmMain::StartResult frmMain::Form_Load() {
 void frmMain::showOverview() {
     ShowScreen("Overview");
     fillScreen("Overview");
+}
+
+void frmMain::prepareMailStore() {
+    // Runs twice during start-up, as the folders may have been copied in
+    // between; every step of it only makes what is missing.
+    if (!m_mailStore)
+        m_mailStore = std::make_unique<MailStore>(m_folders.ProgramDir, m_clock, m_messages);
+    m_mailStore->MailStoreStartup(m_ini);
+}
+
+void frmMain::loadMailAccounts() {
+    m_lstEmailAccounts = AccountsFile(m_ini, m_folders).LoadAccounts();
 }
 
 void frmMain::prepareDataFolders() {

@@ -12,6 +12,7 @@
 #include "app/BusyFlag.h"
 #include "app/MailboxPoller.h"
 #include "app/ThemeSwitches.h"
+#include "mail/transport/EmailAccountList.h"
 #include "settings/DebugLog.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
@@ -27,6 +28,7 @@ namespace mirel {
 
 class Clock;
 class LayoutEngine;
+class MailStore;
 class MessageSink;
 class OrganiserScreen;
 struct OrganiserContext;
@@ -65,6 +67,10 @@ public:
     const QByteArray& DhtmlMessage() const { return m_dhtmlMessage; }
     const std::array<QByteArray, 4>& MailFolderTitle() const { return m_mailFolderTitle; }
     int ControlBaseline() const { return m_controlBaseline; }
+    /// The mail store (null until the start-up sequence made it ready).
+    MailStore* mailStore() const { return m_mailStore.get(); }
+    /// The account list, loaded at start and after the account manager saves.
+    EmailAccountList& lstEmailAccounts() { return m_lstEmailAccounts; }
 
     /// Where the bundled theme is looked for on a first start (tests point it elsewhere).
     void setBundledThemeCandidates(QStringList dirs) { m_themeCandidates = std::move(dirs); }
@@ -106,8 +112,8 @@ private:
 
     // Steps that later parts of the program fill in. Each is called at its
     // place in the start-up sequence or after its screen was laid out.
-    void prepareMailStore() {}
-    void loadMailAccounts() {}
+    void prepareMailStore();
+    void loadMailAccounts();
     void prepareDataFolders();
     void readOverviewTexts();
     void loadAgenda();
@@ -128,6 +134,8 @@ private:
     std::unique_ptr<SoundPlayer> m_sounds;
     std::unique_ptr<LayoutEngine> m_engine;
     std::unique_ptr<SingleInstance> m_instance;
+    std::unique_ptr<MailStore> m_mailStore;
+    EmailAccountList m_lstEmailAccounts;
     std::unique_ptr<OrganiserContext> m_organiserContext;
     std::unique_ptr<OrganiserScreen> m_organiser;
     MailboxPoller m_poller;

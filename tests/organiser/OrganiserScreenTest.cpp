@@ -95,7 +95,8 @@ struct Main {
 TEST(OrganiserScreen, StartShowsTheOverviewWithItsFourSections) {
     Main m;
     EXPECT_EQ(m.rows(m.w->overviewList()),
-              (QStringList{"  Agenda (0)", "  Calendar (0)", "E-Mail  (0)", "  Tasks (0)"}));
+              (QStringList{"  Agenda (0)", "  Calendar (0)", "E-Mail  (4)", "  Inbox", "  Outbox",
+                           "  Sent", "  Deleted", "  Tasks (0)"}));
     EXPECT_TRUE(QFileInfo(m.file("directories.ini")).exists());
 }
 
