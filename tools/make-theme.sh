@@ -93,6 +93,7 @@ echo "buttons"
 # Side bar navigation: a line icon in an 18x18 box at (14,11), then the name.
 icon() {
     case $1 in
+    overview) echo "polyline 14,21 23,12 32,21|polyline 17,19 17,29 29,29 29,19|rectangle 21,23 25,29" ;;
     agenda) echo "circle 23,20 23,28|line 23,20 23,15|line 23,20 27,22" ;;
     calendar) echo "rectangle 15,13 31,28|line 15,17 31,17|line 19,11 19,14|line 27,11 27,14|line 19,21 20,21|line 23,21 24,21|line 27,21 28,21|line 19,25 20,25|line 23,25 24,25" ;;
     notes) echo "polyline 16,11 27,11 31,15 31,29 16,29 16,11|line 19,18 28,18|line 19,22 28,22|line 19,26 25,26" ;;
@@ -127,7 +128,7 @@ nav_button() {
             -stroke none -fill "$t" -font "$BOLD" -pointsize 13 -gravity west -annotate +40+0 "$label"
     done
 }
-for pair in notes:Notes logbook:Logbook todo:To-do address:Addresses agenda:Agenda \
+for pair in overview:Overview notes:Notes logbook:Logbook todo:To-do address:Addresses agenda:Agenda \
     calendar:Calendar email:Mail; do
     nav_button "${pair%%:*}" "${pair#*:}"
 done

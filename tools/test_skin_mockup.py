@@ -117,6 +117,7 @@ class BundledThemeTest(unittest.TestCase):
         EMAILDELETE EMAILMOVE EMAILSOURCE EMAILNEW EMAILREPLY EMAILFORWARD EMAILCONFIG
         EMAILACCOUNTS EMAILSENDRECEIVE QUIT""".split())
     MAIN |= {"AGENDAP%d" % i for i in range(8)}
+    MAIN |= {"OVERVIEW"}
     MAIN |= {"MONTH" + m for m in "JAN FEB MAR APR MAY JUN JUL AUG SEP OCT NOV DEC".split()}
     MAIN |= {p + d for p in ("MODEDAY", "MODEMONTH", "MODEYEAR", "STARTHOUR", "STARTMIN",
                              "ENDHOUR", "ENDMIN") for d in ("UP", "DOWN")}
@@ -147,8 +148,8 @@ class BundledThemeTest(unittest.TestCase):
                 self.assertEqual([c for c in found if c not in known], [])
         # Every screen can be reached from the side bar.
         self.assertEqual(set(self.commands("Mirel.skn", "DEFAULT")),
-                         {"AGENDA", "CALENDAR", "NOTES", "LOGBOOK", "TODO", "ADDRESS", "EMAIL",
-                          "QUIT"})
+                         {"OVERVIEW", "AGENDA", "CALENDAR", "NOTES", "LOGBOOK", "TODO", "ADDRESS",
+                          "EMAIL", "QUIT"})
 
 
 if __name__ == "__main__":

@@ -52,6 +52,11 @@ bool BundledTheme::installIfMissing(const Folders& folders, const QString& sourc
         QDir().mkpath(QFileInfo(dest).absolutePath());
         copied = QFile::copy(file, dest) || copied;
     }
+    // The theme's preview picture sits beside its folder, named after it.
+    const QString preview = QDir::cleanPath(source) + QStringLiteral(".bmp");
+    const QString previewDest = QDir::cleanPath(target) + QStringLiteral(".bmp");
+    if (QFileInfo::exists(preview) && !QFileInfo::exists(previewDest))
+        QFile::copy(preview, previewDest);
     return copied;
 }
 

@@ -94,6 +94,8 @@ constexpr Row kTable[] = {
     {"EMAILCONFIG", Command::EmailConfig, 0},
     {"EMAILACCOUNTS", Command::EmailAccounts, 0},
     {"EMAILSENDRECEIVE", Command::EmailSendReceive, 0},
+    // Not among the family's commands: the way back to the start screen.
+    {"OVERVIEW", Command::Overview, 0},
     {"QUIT", Command::Quit, 0},
 };
 
@@ -124,6 +126,8 @@ QByteArray screenOf(Command command) {
         return QByteArrayLiteral("Todo");
     case Command::Email:
         return QByteArrayLiteral("Email");
+    case Command::Overview:
+        return QByteArrayLiteral("Overview");
     default:
         return {};
     }

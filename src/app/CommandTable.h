@@ -60,6 +60,7 @@ enum class Command {
     EmailConfig,
     EmailAccounts,
     EmailSendReceive,
+    Overview, // back to the start screen
     Quit,
 };
 

@@ -318,6 +318,7 @@ void frmMain::dispatch(const QByteArray& command) {
     case Command::Notes:
     case Command::Todo:
     case Command::Email:
+    case Command::Overview:
         ShowScreen(screenOf(match.command));
         fillScreen(screenOf(match.command));
         return;

@@ -101,6 +101,7 @@ TEST(BundledTheme, CopiedOnceIntoAnEmptyThemeFolder) {
     QDir().mkpath(source + "/sounds");
     test::writeAll(source + "/Terminal.skn", "[DEFAULT]\r\nSound=0\r\n");
     test::writeAll(source + "/sounds/click.wav", "RIFF");
+    test::writeAll(dir.file("src/themes/Default.bmp"), "BM preview");
     EXPECT_EQ(BundledTheme::locate({dir.file("nowhere"), source}), QDir::cleanPath(source));
     EXPECT_EQ(BundledTheme::locate({dir.file("nowhere")}), QString());
 
@@ -110,6 +111,7 @@ TEST(BundledTheme, CopiedOnceIntoAnEmptyThemeFolder) {
     ASSERT_TRUE(BundledTheme::installIfMissing(folders, source));
     EXPECT_TRUE(QFileInfo(folders.themeFile("terminal.skn")).isFile());
     EXPECT_EQ(test::readAll(dir.file("prog/themes/Default/sounds/click.wav")), "RIFF");
+    EXPECT_EQ(test::readAll(dir.file("prog/themes/Default.bmp")), "BM preview");
 
     // The user's edits are theirs: a second start copies nothing.
     test::writeAll(dir.file("prog/themes/Default/Terminal.skn"), "[DEFAULT]\r\nSound=1\r\n");
