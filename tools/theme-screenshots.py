@@ -12,6 +12,7 @@ approximates the widgets, this shows what the program really draws.
 Needs Xvfb and ImageMagick's `import`.
 """
 import argparse
+import datetime
 import os
 import select
 import shutil
@@ -56,13 +57,76 @@ def stop(proc, timeout=10):
             proc.wait()
 
 
+def triplets(text):
+    return "".join("%03d" % b for b in text.encode("cp1252"))
+
+
+def write_sample_data(prog):
+    """A few days' worth of organiser data around today, so every screen and
+    the overview show what a person using Mirel would see."""
+    today = datetime.date.today()
+    sep = "\x01"
+    folders = {k: os.path.join(prog, "Mirel", k) for k in ("Notes", "Logbook", "Todo", "Addressbook")}
+    for f in folders.values():
+        os.makedirs(f, exist_ok=True)
+
+    def put(path, lines):
+        with open(path, "wb") as f:
+            f.write("".join(l + "\r\n" for l in lines).encode("cp1252"))
+
+    notes = [("Ideas for the garden", ["Raised beds along the fence", "Tomatoes, basil, beans"]),
+             ("Books to read", ["The long way round", "A short history of nearly everything"]),
+             ("Wifi at the cottage", ["Network: cottage-5g", "Ask Marta for the password"])]
+    for i, (title, body) in enumerate(notes):
+        put(os.path.join(folders["Notes"], "2026110%d0930%02d.not" % (i + 1, i)), [title] + body)
+    logs = ["Quarterly review went well; budget approved.", "Dentist: next check-up in spring.",
+            "Fixed the bike's rear brake.", "Call with the bank about the mortgage rate."]
+    for i, text in enumerate(logs):
+        stamp = (today - datetime.timedelta(days=3 * i)).strftime("%Y%m%d") + "18%02d00" % i
+        put(os.path.join(folders["Logbook"], stamp + ".log"), [text])
+    tasks = [("0", "Renew the car insurance"), ("0", "Buy a birthday present for Jonas"),
+             ("1", "Book the train to Hamburg"), ("0", "Return the library books")]
+    for i, (status, text) in enumerate(tasks):
+        put(os.path.join(folders["Todo"], "2026111%d1200%02d.tod" % (i, i)), [status, text])
+    people = [("Marta Lindqvist", "marta@example.org", "Storgatan 12", "Uppsala"),
+              ("Jonas Weber", "jonas.weber@example.net", "Lindenweg 3", "Freiburg"),
+              ("Aiko Tanaka", "aiko@example.com", "2-14 Sakura-cho", "Kyoto")]
+    for i, (name, mail, street, town) in enumerate(people):
+        fields = [name, mail, "+49 761 555 01%02d" % i, street, town, "", "", "", "", "", "",
+                  "", "", "", "", ""]
+        put(os.path.join(folders["Addressbook"], "%d.dat" % i),
+            fields[:12] + [fields[14], fields[15], fields[12], fields[13]] +
+            [triplets("Met at the conference.\r\nLikes hiking.")])
+    items = []
+    for days, start, end, text, prio in [(0, "0900", "0930", "Stand-up with the team", 2),
+                                         (0, "1400", "1530", "Dentist", 5),
+                                         (2, "1100", "1200", "Lunch with Marta", 1),
+                                         (5, "1900", "2100", "Choir rehearsal", 0),
+                                         (-3, "1000", "1100", "Quarterly review", 4)]:
+        d = (today + datetime.timedelta(days=days)).strftime("%Y%m%d")
+        items.append(sep.join([d + start, d + end, text, "0", str(prio)] + ["0"] * 7) + sep)
+    items.append(sep.join(["000000000730", "000000000815", "Morning run", "1", "3",
+                           "1", "0", "1", "0", "1", "0", "0"]) + sep)
+    lines = ["[AGENDA]", "ID=%d" % len(items)] + ["%d=%s" % (i + 1, triplets(t)) for i, t in enumerate(items)]
+    cal = ["[CALENDAR]"]
+    for days, text in [(1, "Mum's birthday"), (4, "Recycling collection"), (20, "Tax return due")]:
+        d = today + datetime.timedelta(days=days)
+        cal.append("%02d%02d=%s" % (d.month, d.day, triplets(text)))
+    with open(os.path.join(prog, "Mirel", "agenda.ini"), "wb") as f:
+        f.write("\r\n".join(lines + [""]).encode())
+    with open(os.path.join(prog, "Mirel", "Calendar.ini"), "wb") as f:
+        f.write("\r\n".join(cal + [""]).encode())
+
+
 class Run:
     """One program folder with the theme, one settings store, one program."""
 
-    def __init__(self, binary, theme, display):
+    def __init__(self, binary, theme, display, sample=False):
         self.binary = binary
         self.tmp = tempfile.mkdtemp(prefix="mirel-shots-")
         prog = os.path.join(self.tmp, "prog")
+        if sample:
+            write_sample_data(prog)
         name = os.path.basename(os.path.abspath(theme))
         shutil.copytree(theme, os.path.join(prog, "themes", name))
         preview = os.path.abspath(theme) + ".bmp"
@@ -92,7 +156,7 @@ class Run:
         subprocess.run([self.binary, "--send", command], env=self.env, timeout=20,
                        capture_output=True)
 
-    def shot(self, path, settle=1.5):
+    def shot(self, path, settle=3.5):
         time.sleep(settle)  # the screen builds up control by control
         subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)
         print(path)
@@ -115,12 +179,14 @@ def main():
     ap.add_argument("--theme", default=os.path.join(here, "..", "themes", "Default"))
     ap.add_argument("--out", default=os.path.join(here, "..", "build", "screenshots"))
     ap.add_argument("--sizes", default="1024x600,1920x1080")
+    ap.add_argument("--sample-data", action="store_true",
+                    help="fill the organiser with a few days of example data first")
     args = ap.parse_args()
     os.makedirs(args.out, exist_ok=True)
     for size in args.sizes.split(","):
         xvfb, display = start_xvfb(size)
         try:
-            run = Run(args.bin, args.theme, display)
+            run = Run(args.bin, args.theme, display, args.sample_data)
             try:
                 run.shot(os.path.join(args.out, "overview-%s.png" % size))
                 for screen in SCREENS:
