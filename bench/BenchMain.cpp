@@ -16,7 +16,7 @@ std::vector<std::pair<std::string, std::string>>& floors() {
 
 // Keeps the console output and remembers each run's time per iteration.
 class RatioReporter : public benchmark::ConsoleReporter {
-  public:
+public:
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& r : runs)

@@ -16,10 +16,7 @@ namespace {
 
 constexpr int kKeys = 50000;
 
-struct NullSink final : MessageSink {
-    void showMessage(const QString&, const QString&, Icon) override {}
-    bool askYesNo(const QString&, const QString&) override { return false; }
-};
+using bench::NullSink;
 
 struct Fixture {
     QTemporaryDir dir;

@@ -24,10 +24,7 @@ namespace {
 
 constexpr int kControls = 60;
 
-struct NullSink final : MessageSink {
-    void showMessage(const QString&, const QString&, Icon) override {}
-    bool askYesNo(const QString&, const QString&) override { return false; }
-};
+using bench::NullSink;
 
 QApplication& app() {
     static int argc = 1;

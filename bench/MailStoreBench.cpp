@@ -29,10 +29,7 @@ namespace {
 
 constexpr int kMessages = 10000;
 
-struct NullSink final : MessageSink {
-    void showMessage(const QString&, const QString&, Icon) override {}
-    bool askYesNo(const QString&, const QString&) override { return false; }
-};
+using bench::NullSink;
 
 QByteArray words(QRandomGenerator& rng, int bytes) {
     static const char* const kWords[] = {"mail", "store",    "the",  "folder",     "message", "of",

@@ -15,10 +15,7 @@ namespace {
 
 constexpr int kItems = 10000;
 
-struct NullSink final : MessageSink {
-    void showMessage(const QString&, const QString&, Icon) override {}
-    bool askYesNo(const QString&, const QString&) override { return false; }
-};
+using bench::NullSink;
 
 struct World {
     QTemporaryDir dir;

@@ -69,14 +69,8 @@ void Logbook::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
         return;
     }
     boxes.stamp = stampFromDigits(beforeSep(entry));
-    QString error;
-    const auto lines = TextFile::readLines(
-        folder() + QLatin1Char('/') + QString::fromLocal8Bit(beforeSep(entry)), &error);
-    if (!lines) {
-        m_ctx.reportFileError(error);
-        return;
-    }
-    boxes.body = bodyFromLines(*lines, 0);
+    if (const auto lines = m_ctx.readItem(folder(), beforeSep(entry)))
+        boxes.body = bodyFromLines(*lines, 0);
 }
 
 void Logbook::add(OrganiserState& st, EditBoxes& boxes) const {

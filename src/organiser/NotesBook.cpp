@@ -52,14 +52,8 @@ void NotesBook::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
     if (entry.isEmpty())
         return;
     boxes.title = beforeSep(entry);
-    QString error;
-    const auto lines = TextFile::readLines(
-        folder() + QLatin1Char('/') + QString::fromLocal8Bit(afterSep(entry)), &error);
-    if (!lines) {
-        m_ctx.reportFileError(error);
-        return;
-    }
-    boxes.body = bodyFromLines(*lines, 1);
+    if (const auto lines = m_ctx.readItem(folder(), afterSep(entry)))
+        boxes.body = bodyFromLines(*lines, 1);
 }
 
 void NotesBook::add(OrganiserState& st, EditBoxes& boxes) const {

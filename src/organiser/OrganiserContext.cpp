@@ -1,5 +1,7 @@
 #include "organiser/OrganiserContext.h"
 
+#include "organiser/TextFile.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -33,6 +35,16 @@ bool OrganiserContext::confirmDelete() const {
 void OrganiserContext::deleteFile(const QString& path) const {
     if (!QFile::remove(path) && QFileInfo::exists(path))
         reportFileError(QStringLiteral("Cannot delete \"%1\"").arg(path));
+}
+
+std::optional<QList<QByteArray>> OrganiserContext::readItem(const QString& folder,
+                                                            const QByteArray& name) const {
+    QString error;
+    auto lines =
+        TextFile::readLines(folder + QLatin1Char('/') + QString::fromLocal8Bit(name), &error);
+    if (!lines)
+        reportFileError(error);
+    return lines;
 }
 
 void OrganiserContext::reportFileError(const QString& error) const {

@@ -7,6 +7,7 @@
 #include "settings/IniHelpers.h"
 
 #include <functional>
+#include <optional>
 
 namespace mirel {
 
@@ -36,6 +37,9 @@ struct OrganiserContext {
     bool confirmDelete() const;
     /// Deletes an item file; a file that will not go is reported.
     void deleteFile(const QString& path) const;
+    /// The lines of the item file `name` in `folder`; a file that cannot be
+    /// read is reported by name and gives nullopt.
+    std::optional<QList<QByteArray>> readItem(const QString& folder, const QByteArray& name) const;
     /// Reports a file error with the file's name; the operation then ends.
     void reportFileError(const QString& error) const;
 };

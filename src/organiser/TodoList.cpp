@@ -11,12 +11,9 @@ void TodoList::load(OrganiserState& st) const {
     const QStringList files = TextFile::listFolder(dir);
     QList<ListEntry> entries;
     for (int i = 0; i < files.size(); ++i) {
-        QString error;
-        const auto lines = TextFile::readLines(dir + QLatin1Char('/') + files[i], &error);
-        if (!lines) {
-            m_ctx.reportFileError(error);
+        const auto lines = m_ctx.readItem(dir, files[i].toLocal8Bit());
+        if (!lines)
             continue;
-        }
         entries.append({lines->value(0) + lines->value(1) + kFieldSep + files[i].toLocal8Bit(), i});
     }
     st.lstSorted1.addAll(entries);
@@ -38,14 +35,8 @@ void TodoList::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
     if (entry.isEmpty())
         return;
     boxes.doneButtonVisible = entry.startsWith('0');
-    QString error;
-    const auto lines = TextFile::readLines(
-        folder() + QLatin1Char('/') + QString::fromLocal8Bit(afterSep(entry)), &error);
-    if (!lines) {
-        m_ctx.reportFileError(error);
-        return;
-    }
-    boxes.body = bodyFromLines(*lines, 1);
+    if (const auto lines = m_ctx.readItem(folder(), afterSep(entry)))
+        boxes.body = bodyFromLines(*lines, 1);
 }
 
 void TodoList::add(OrganiserState& st, EditBoxes& boxes) const {
