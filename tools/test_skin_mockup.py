@@ -12,9 +12,9 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 THEME = os.path.join(HERE, "..", "themes", "Default")
 
-spec = importlib.util.spec_from_file_location("skin_mockup", os.path.join(HERE, "skin-mockup.py"))
-sm = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(sm)
+_loader = importlib.util.spec_from_file_location("skin_mockup", os.path.join(HERE, "skin-mockup.py"))
+sm = importlib.util.module_from_spec(_loader)
+_loader.loader.exec_module(sm)
 
 
 def write(folder, name, text):
