@@ -18,6 +18,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QScreen>
 #include <QSignalBlocker>
@@ -258,6 +259,21 @@ void frmEmailAccounts::keyPressEvent(QKeyEvent* event) {
         return;
     }
     SkinHost::keyPressEvent(event);
+}
+
+void frmEmailAccounts::mousePressEvent(QMouseEvent* event) {
+    // Without a frame, the background itself is the handle to move it by.
+    if (event->button() == Qt::LeftButton)
+        m_dragFrom = event->position().toPoint();
+    SkinHost::mousePressEvent(event);
+}
+
+void frmEmailAccounts::mouseMoveEvent(QMouseEvent* event) {
+    if (m_dragFrom && (event->buttons() & Qt::LeftButton))
+        move(event->globalPosition().toPoint() - *m_dragFrom);
+    else
+        m_dragFrom.reset();
+    SkinHost::mouseMoveEvent(event);
 }
 
 } // namespace mirel

@@ -14,6 +14,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QCheckBox;
 class QEventLoop;
@@ -67,6 +68,8 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
     enum TextBox { Name, Email, User, Pass, Pop3, Smtp, TextBoxCount };
@@ -94,6 +97,8 @@ private:
     QCheckBox* m_autorize = nullptr;
     bool m_loading = false;
     bool m_saved = false;
+    // Where the pointer took hold of the background, while it is dragged.
+    std::optional<QPoint> m_dragFrom;
     NamePrompt m_prompt;
     std::function<void(const QByteArray&)> m_run;
     QEventLoop* m_loop = nullptr;

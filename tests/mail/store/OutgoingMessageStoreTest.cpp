@@ -167,11 +167,4 @@ TEST_F(OutgoingMessageStoreTest, AnUnreadableAttachmentStopsWithTheRowsSoFar) {
     }
 }
 
-TEST_F(OutgoingMessageStoreTest, AMissingOutboxIsReportedByTheStore) {
-    QDir(dir.file("prog/Email/1")).removeRecursively();
-    const auto result = outgoing.StoreOutgoingMessage({}, MailStore::kOutbox);
-    EXPECT_FALSE(result.id);
-    EXPECT_EQ(sink.shown.size(), 1u);
-}
-
 } // namespace

@@ -22,14 +22,3 @@ TEST(AccountManager, OpensOnTheLastMarkedAccount) {
         EXPECT_EQ(AccountManager(list).initialRow(), r.expected) << r.entries.join(',').constData();
     }
 }
-
-TEST(AccountManager, SelectionOutOfRangeSelectsNothing) {
-    EmailAccountList list({"* A|p|u|w|1|1|s|a@x|A|"});
-    AccountManager m(list);
-    EXPECT_EQ(m.select(0).userName, "u");
-    EXPECT_EQ(m.select(1), AccountRecord::Settings{});
-    EXPECT_EQ(m.selected(), -1);
-    EXPECT_FALSE(m.edit({}));
-    EXPECT_EQ(m.addNew(""), -1);
-    EXPECT_EQ(list.size(), 1);
-}
