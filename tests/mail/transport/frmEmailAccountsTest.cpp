@@ -1,6 +1,8 @@
 #include "mail/transport/frmEmailAccounts.h"
 #include "TestSupport.h"
+#include "app/frmMain.h"
 #include "mail/transport/AccountsFile.h"
+#include "platform/Clock.h"
 #include "platform/SettingsStore.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
@@ -8,6 +10,7 @@
 #include "ui/LayoutEngine.h"
 #include "ui/SkinButton.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QDir>
@@ -215,6 +218,52 @@ TEST_F(frmEmailAccountsTest, OkWritesTheFileAndClosesEscapeDoesNot) {
     EXPECT_EQ(file.LoadAccounts(), accounts);
     EXPECT_FALSE(QFile::permissions(file.path()) &
                  (QFileDevice::ReadGroup | QFileDevice::ReadOther));
+}
+
+} // namespace
+
+namespace {
+
+// The main window opens the manager for EMAILACCOUNTS and takes the saved
+// list back as its own.
+TEST(frmEmailAccountsFromMain, OkReloadsTheMainWindowsList) {
+    TempDir dir;
+    RecordingMessageSink sink;
+    SettingsStore store{dir.file("config")};
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 0))};
+    QDir().mkpath(dir.file("prog/theme"));
+    writeAll(dir.file("prog/theme/Mirel.skn"),
+             "[DEFAULT]\r\n01=B,a.bmp,0,0,50,20,,,False,EmailAccounts\r\n[Overview]\r\n");
+    writeAll(dir.file("prog/theme/terminal.skn"), kTerminal);
+    store.SaveSetting(kFamilyApp, "Default", "ProgramDir", dir.file("prog").toUtf8());
+    store.SaveSetting(kFamilyApp, "Default", "ThemeDir", "\\theme\\");
+    IniHelpers ini{sink, store};
+    const Folders folders{dir.file("prog"), QStringLiteral("\\theme\\")};
+    QDir().mkpath(dir.file("prog/Email"));
+    AccountsFile(ini, folders).SaveAccounts(EmailAccountList({kHome, kWork}));
+
+    frmMain w(store, sink, clock);
+    w.setSingleInstanceEnabled(false);
+    w.setBundledThemeCandidates({dir.file("none")});
+    ASSERT_EQ(w.Form_Load(), frmMain::StartResult::Ready);
+    ASSERT_EQ(w.lstEmailAccounts().size(), 2);
+
+    bool opened = false;
+    QTimer::singleShot(0, &w, [&] {
+        auto* dlg = qobject_cast<frmEmailAccounts*>(QApplication::activeModalWidget());
+        ASSERT_NE(dlg, nullptr);
+        opened = true;
+        // In the shared list at once, before the file is written.
+        dlg->txtName()->setText("Ann");
+        EXPECT_EQ(AccountRecord::field(w.lstEmailAccounts().at(1), AccountRecord::SenderName),
+                  "Ann");
+        dlg->runCommand("OK");
+    });
+    w.ClickButton(1);
+    EXPECT_TRUE(opened);
+    EXPECT_EQ(AccountsFile(ini, folders).LoadAccounts(), w.lstEmailAccounts());
+    EXPECT_EQ(AccountRecord::field(w.lstEmailAccounts().at(1), AccountRecord::SenderName), "Ann");
+    w.ShutDown();
 }
 
 } // namespace
