@@ -2,6 +2,7 @@
 
 #include "mail/store/MailStore.h"
 #include "mail/transport/AccountsFile.h"
+#include "mail/transport/frmEmailAccounts.h"
 #include "organiser/OrganiserScreen.h"
 
 #include "app/BundledTheme.h"
@@ -333,6 +334,14 @@ void frmMain::dispatch(const QByteArray& command) {
     case Command::Quit:
         ShutDown();
         return;
+    case Command::EmailAccounts: {
+        const AccountsFile file(m_ini, m_folders);
+        frmEmailAccounts accounts(*m_engine, m_lstEmailAccounts, file, m_messages, this);
+        accounts.exec();
+        if (accounts.saved())
+            loadMailAccounts();
+        return;
+    }
     default:
         if (m_organiser && m_organiser->command(match.name, match.arg))
             return;

@@ -266,6 +266,32 @@ std::optional<qint32> MailStore::createMessage(QByteArrayView folder, const NewI
     return id;
 }
 
+bool MailStore::addAttachment(QByteArrayView folder, qint32 id, const AttachmentRow& attachment) {
+    return guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kAttachmentsFile), m_busyTimeoutMs);
+        db.run([&](SQLite::Database& d) {
+            SQLite::Statement st(
+                d, R"(INSERT INTO "Attachments" ("ID", "Filename", "Data") VALUES (?, ?, ?))");
+            st.bind(1, id);
+            SqliteDb::bindBytes(st, 2, fieldText(attachment.filename));
+            SqliteDb::bindBytesOrNull(st, 3, attachment.data);
+            st.exec();
+        });
+    });
+}
+
+bool MailStore::setAttachmentCount(QByteArrayView folder, qint32 id, qint32 count) {
+    return guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+        db.run([&](SQLite::Database& d) {
+            SQLite::Statement st(d, R"(UPDATE "Index" SET "Attachments" = ? WHERE "ID" = ?)");
+            st.bind(1, count);
+            st.bind(2, id);
+            st.exec();
+        });
+    });
+}
+
 bool MailStore::DeleteMessage(QByteArrayView folder, qint32 id) {
     const std::pair<QString, const char*> steps[] = {
         {kIndexFile, R"(DELETE FROM "Index" WHERE "ID" = ?)"},

@@ -82,6 +82,12 @@ class MailStore {
                                         const MessageRow& bodies,
                                         const std::vector<AttachmentRow>& attachments);
 
+    /// Adds one attachment row to a stored message without touching its
+    /// count, for callers that gather the attachments one at a time.
+    bool addAttachment(QByteArrayView folder, qint32 id, const AttachmentRow& attachment);
+    /// Sets the index row's attachment count.
+    bool setAttachmentCount(QByteArrayView folder, qint32 id, qint32 count);
+
     /// Removes the index, message and attachment rows of the message; a row
     /// missing in one database does not stop the others.
     bool DeleteMessage(QByteArrayView folder, qint32 id);

@@ -1,0 +1,78 @@
+#include "mail/store/OutgoingMessageStore.h"
+
+#include "mail/store/MailStore.h"
+#include "platform/Cp1252.h"
+
+#include <QFile>
+
+namespace mirel {
+namespace {
+
+std::optional<QByteArray> unlessEmpty(const QByteArray& value) {
+    return value.isEmpty() ? std::nullopt : std::optional<QByteArray>(value);
+}
+
+} // namespace
+
+QByteArray OutgoingMessageStore::recipients(QByteArrayView to) {
+    return to.toByteArray().replace(';', ',');
+}
+
+QByteArray OutgoingMessageStore::headerText(QByteArrayView cc, QByteArrayView bcc) {
+    QByteArray h;
+    if (!cc.isEmpty())
+        h += "CC: " + cc.toByteArray() + "\r\n";
+    if (!bcc.isEmpty())
+        h += "BCC: " + bcc.toByteArray() + "\r\n";
+    return h + kMailerLine;
+}
+
+QByteArray OutgoingMessageStore::attachmentFilename(const QString& path) {
+    // Either separator ends a folder: a backslash in the name would leave a
+    // folder part that a data folder shared with Windows cannot take.
+    const qsizetype cut =
+        qMax(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
+    return "name=\"" + Cp1252::fromUnicode(QStringView(path).mid(cut + 1)) + '"';
+}
+
+OutgoingMessageStore::Result
+OutgoingMessageStore::StoreOutgoingMessage(const OutgoingMessage& message, QByteArrayView folder) {
+    NewIndexFields fields;
+    fields.subject = unlessEmpty(message.subject);
+    fields.from = unlessEmpty(message.from);
+    fields.date = unlessEmpty(message.date);
+    fields.to = unlessEmpty(recipients(message.to));
+    MessageRow bodies;
+    bodies.text = message.text;
+    bodies.html = message.html;
+    bodies.headers = headerText(message.cc, message.bcc);
+
+    Result result;
+    result.id = m_store.createMessage(folder, fields, bodies, {});
+    if (!result.id)
+        return result;
+
+    qint32 stored = 0;
+    for (const QString& path : message.attachments) {
+        QFile file(path);
+        AttachmentRow row;
+        if (file.open(QIODevice::ReadOnly))
+            row.data = file.readAll();
+        if (!file.isOpen() || file.error() != QFileDevice::NoError) {
+            result.error = QStringLiteral("The attachment \"%1\" could not be read: %2")
+                               .arg(path, file.errorString());
+            break;
+        }
+        row.filename = attachmentFilename(path);
+        if (!m_store.addAttachment(folder, *result.id, row)) {
+            result.error = QStringLiteral("The attachment \"%1\" could not be stored.").arg(path);
+            break;
+        }
+        ++stored;
+    }
+    if (stored > 0)
+        m_store.setAttachmentCount(folder, *result.id, stored);
+    return result;
+}
+
+} // namespace mirel

@@ -1,0 +1,170 @@
+#include "mail/store/OutgoingMessageStore.h"
+#include "TestSupport.h"
+#include "mail/store/MailStore.h"
+#include "platform/SettingsStore.h"
+#include "settings/IniHelpers.h"
+
+#include <QDir>
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+class OutgoingMessageStoreTest : public ::testing::Test {
+protected:
+    TempDir dir;
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 30, 5))};
+    RecordingMessageSink sink;
+    SettingsStore settings{dir.file("config")};
+    IniHelpers ini{sink, settings};
+    MailStore store{dir.file("prog"), clock, sink};
+    OutgoingMessageStore outgoing{store};
+
+    void SetUp() override {
+        QDir().mkpath(dir.file("prog"));
+        QDir().mkpath(dir.file("files/sub folder"));
+        store.MailStoreStartup(ini);
+    }
+
+    // Whether the outbox index row left a field unwritten (NULL), read
+    // straight from the file rather than through the store.
+    bool isNull(qint32 id, const char* column) {
+        SQLite::Database db(store.databasePath("1", "index.mdb").toStdString());
+        SQLite::Statement st(db, std::string("SELECT \"") + column +
+                                     "\" IS NULL FROM \"Index\" WHERE \"ID\" = ?");
+        st.bind(1, id);
+        return st.executeStep() && st.getColumn(0).getInt() == 1;
+    }
+};
+
+TEST(OutgoingMessageRules, HeaderText) {
+    const struct {
+        const char *cc, *bcc, *expected;
+    } rows[] = {
+        {"", "", "X-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
+        {"ann@x.org", "", "CC: ann@x.org\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
+        {"", "bob@y.net", "BCC: bob@y.net\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
+        {"ann@x.org, cy@z", "bob@y.net",
+         "CC: ann@x.org, cy@z\r\nBCC: bob@y.net\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
+    };
+    for (const auto& r : rows)
+        EXPECT_EQ(OutgoingMessageStore::headerText(r.cc, r.bcc), r.expected) << r.cc << r.bcc;
+}
+
+TEST(OutgoingMessageRules, AttachmentFileNameLosesItsFolders) {
+    const struct {
+        QString path;
+        QByteArray expected;
+    } rows[] = {
+        {"/home/ann/docs/report.pdf", "name=\"report.pdf\""},
+        {"C:\\My Documents\\report.pdf", "name=\"report.pdf\""},
+        {"report.pdf", "name=\"report.pdf\""},
+        {"/tmp/a\\b.txt", "name=\"b.txt\""},
+        {QString::fromUtf8("/tmp/caf\u00e9 menu.txt"), "name=\"caf\xe9 menu.txt\""},
+    };
+    for (const auto& r : rows)
+        EXPECT_EQ(OutgoingMessageStore::attachmentFilename(r.path), r.expected)
+            << r.path.toStdString();
+}
+
+TEST_F(OutgoingMessageStoreTest, StoresTheWholeRecordWithAttachmentsInListOrder) {
+    QByteArray binary;
+    for (int i = 0; i < 256; ++i)
+        binary += char(i);
+    binary += QByteArray(70000, '\0') + "end";
+    writeAll(dir.file("files/sub folder/report.pdf"), binary);
+    writeAll(dir.file("files/a.txt"), "first line\r\nsecond\r\n");
+
+    OutgoingMessage m;
+    m.to = "ann@x.org;bob@y.net; \"Lee; Cy\" <cy@z.com>";
+    m.from = "\"Me\" <me@home.org>";
+    m.date = "Sun, 22 Nov 2026 21:30:05 +0000";
+    m.html = "<P>Hi</P>";
+    m.text = "Hi";
+    m.cc = "dee@x.org";
+    m.attachments = {dir.file("files/sub folder/report.pdf"), dir.file("files/a.txt")};
+
+    const auto result = outgoing.StoreOutgoingMessage(m, MailStore::kOutbox);
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+
+    const auto index = store.readIndexRow("1", *result.id);
+    ASSERT_TRUE(index);
+    EXPECT_EQ(index->to, "ann@x.org,bob@y.net, \"Lee, Cy\" <cy@z.com>");
+    EXPECT_EQ(index->from, m.from);
+    EXPECT_EQ(index->date, m.date);
+    EXPECT_EQ(index->attachments, 2);
+    EXPECT_EQ(index->readed, 0);
+    EXPECT_EQ(index->realDate, clock.now());
+    // No subject was given, so none was written.
+    EXPECT_TRUE(isNull(*result.id, "Subject"));
+    EXPECT_FALSE(isNull(*result.id, "To"));
+
+    const auto body = store.readMessageRow("1", *result.id);
+    ASSERT_TRUE(body);
+    EXPECT_EQ(body->html, m.html);
+    EXPECT_EQ(body->text, m.text);
+    EXPECT_EQ(body->headers, "CC: dee@x.org\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n");
+
+    const auto files = store.readAttachments("1", *result.id);
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[0].filename, "name=\"report.pdf\"");
+    EXPECT_EQ(files[0].data, binary);
+    EXPECT_EQ(files[1].filename, "name=\"a.txt\"");
+    EXPECT_EQ(files[1].data, "first line\r\nsecond\r\n");
+
+    // The sender finds it in the outbox list.
+    EXPECT_EQ(store.FillOutboxList(),
+              QList<QByteArray>{m.from + '|' + QByteArray::number(*result.id)});
+    EXPECT_TRUE(sink.shown.empty());
+}
+
+TEST_F(OutgoingMessageStoreTest, AnEmptyMessageStillCarriesTheMailerLine) {
+    const auto result = outgoing.StoreOutgoingMessage({}, MailStore::kOutbox);
+    ASSERT_TRUE(result.ok());
+    for (const char* column : {"Subject", "From", "Date", "To"})
+        EXPECT_TRUE(isNull(*result.id, column)) << column;
+    const auto body = store.readMessageRow("1", *result.id);
+    ASSERT_TRUE(body);
+    EXPECT_EQ(body->headers, OutgoingMessageStore::kMailerLine);
+    EXPECT_TRUE(body->text.isEmpty());
+    EXPECT_EQ(store.readIndexRow("1", *result.id)->attachments, 0);
+}
+
+TEST_F(OutgoingMessageStoreTest, AnUnreadableAttachmentStopsWithTheRowsSoFar) {
+    writeAll(dir.file("files/a.txt"), "kept");
+    writeAll(dir.file("files/c.txt"), "never reached");
+    const struct {
+        const char* name;
+        QString bad;
+    } cases[] = {
+        {"missing file", dir.file("files/gone.txt")},
+        {"a folder", dir.file("files/sub folder")},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        OutgoingMessage m;
+        m.subject = "with attachments";
+        m.to = "ann@x.org";
+        m.attachments = {dir.file("files/a.txt"), c.bad, dir.file("files/c.txt")};
+
+        const auto result = outgoing.StoreOutgoingMessage(m, MailStore::kOutbox);
+        ASSERT_TRUE(result.id);
+        EXPECT_FALSE(result.ok());
+        EXPECT_TRUE(result.error.contains(c.bad)) << result.error.toStdString();
+
+        const auto index = store.readIndexRow("1", *result.id);
+        ASSERT_TRUE(index);
+        EXPECT_EQ(index->subject, "with attachments");
+        EXPECT_EQ(index->attachments, 1);
+        EXPECT_TRUE(store.readMessageRow("1", *result.id));
+        const auto files = store.readAttachments("1", *result.id);
+        ASSERT_EQ(files.size(), 1u);
+        EXPECT_EQ(files[0].data, "kept");
+    }
+}
+
+} // namespace

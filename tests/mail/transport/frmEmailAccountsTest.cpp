@@ -1,0 +1,269 @@
+#include "mail/transport/frmEmailAccounts.h"
+#include "TestSupport.h"
+#include "app/frmMain.h"
+#include "mail/transport/AccountsFile.h"
+#include "platform/Clock.h"
+#include "platform/SettingsStore.h"
+#include "settings/Folders.h"
+#include "settings/IniHelpers.h"
+#include "settings/TripletCodec.h"
+#include "ui/LayoutEngine.h"
+#include "ui/SkinButton.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QDir>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+// The section as a theme writes it; the SMTP box is left out on purpose.
+const QByteArray kTerminal = "[DEFAULT]\r\nSound=0\r\n"
+                             "[EMAILACCOUNTS]\r\n"
+                             "MaskColor=255,0,255\r\n"
+                             "01=ML,accounts,20,56,210,298,20,23,32,216,221,232,Sans,10\r\n"
+                             "02=B,n.png,20,366,96,30,,,0,EMAILACCOUNTNEW\r\n"
+                             "03=B,d.png,124,366,96,30,,,0,EMAILACCOUNTDELETE\r\n"
+                             "04=B,f.png,20,404,96,30,,,0,EMAILACCOUNTDEFAULT\r\n"
+                             "05=B,o.png,544,414,96,30,,,0,ok\r\n"
+                             "06=B,x.png,544,380,96,30,,,0,other-tool --flag\r\n"
+                             "07=SP,emailtextname,362,56,278,28,26,30,42,235,240,250,Sans,10\r\n"
+                             "08=SP,emailtextemail,362,94,278,28,26,30,42,235,240,250,Sans,10\r\n"
+                             "09=SP,emailtextpop3,362,132,278,28,26,30,42,235,240,250,Sans,10\r\n"
+                             "10=SP,emailtextuser,362,170,278,28,26,30,42,235,240,250,Sans,10\r\n"
+                             "11=SP,emailtextpass,362,208,278,28,26,30,42,235,240,250,Sans,10\r\n"
+                             "12=SP,emailhostdelete,250,290\r\n"
+                             "13=SP,emailhostauto,250,320\r\n";
+
+const QByteArray kHome = "  Home|pop.h|hu|hp|0|1|smtp.h|h@x.org|Home Me|";
+const QByteArray kWork = "* Work|pop.w:995|wu|wp|1|0|smtp.w|w@x.org|Work Me|";
+const QByteArray kFresh = "  Fresh||||||||";
+
+class frmEmailAccountsTest : public ::testing::Test {
+protected:
+    TempDir dir;
+    RecordingMessageSink sink;
+    SettingsStore store{dir.file("config")};
+    IniHelpers ini{sink, store};
+    Folders folders{dir.file("prog"), QStringLiteral("\\theme\\")};
+    LayoutEngine engine{SkinContext{folders, ini, nullptr, false, 0}};
+    AccountsFile file{ini, folders};
+    EmailAccountList accounts;
+    QList<QByteArray> answers; // names given to the prompt, in order
+    QStringList prompts;
+    QList<QByteArray> started;
+
+    void SetUp() override {
+        QDir().mkpath(dir.file("prog/theme"));
+        QDir().mkpath(dir.file("prog/Email"));
+        writeAll(dir.file("prog/theme/terminal.skn"), kTerminal);
+    }
+
+    std::unique_ptr<frmEmailAccounts> open() {
+        auto w = std::make_unique<frmEmailAccounts>(engine, accounts, file, sink);
+        w->setNamePrompt(
+            [this](const QString& prompt, const QString& title, const QString& preset) {
+                prompts << prompt + '|' + title + '|' + preset;
+                return answers.isEmpty() ? QByteArray() : answers.takeFirst();
+            });
+        w->setCommandRunner([this](const QByteArray& c) { started << c; });
+        return w;
+    }
+
+    static void click(frmEmailAccounts& w, const QByteArray& command) {
+        for (int i = 1; i <= w.state().buttonCount(); ++i)
+            if (w.state().button(i).command.toUpper() == command.toUpper()) {
+                w.button(i)->click();
+                return;
+            }
+        ADD_FAILURE() << "no button " << command.constData();
+    }
+
+    static QStringList rows(const frmEmailAccounts& w) {
+        QStringList out;
+        for (int i = 0; i < w.MLmessages()->count(); ++i)
+            out << w.MLmessages()->item(i)->text();
+        return out;
+    }
+};
+
+TEST_F(frmEmailAccountsTest, OpensOnTheDefaultAccountAndEditsTheSelectedOne) {
+    accounts = EmailAccountList({kHome, kWork, kFresh});
+    auto w = open();
+
+    EXPECT_EQ(w->MLmessages()->geometry(), QRect(20, 56, 210, 298));
+    EXPECT_EQ(rows(*w), QStringList({"  Home", "* Work", "  Fresh"}));
+    EXPECT_EQ(w->MLmessages()->item(0)->foreground().color(), QColor(216, 221, 232));
+    EXPECT_EQ(w->MLmessages()->currentRow(), 1);
+    EXPECT_EQ(w->txtPOP3()->text(), "pop.w:995");
+    EXPECT_EQ(w->txtUser()->text(), "wu");
+    EXPECT_EQ(w->txtPass()->text(), "wp");
+    EXPECT_EQ(w->txtPass()->echoMode(), QLineEdit::Password);
+    EXPECT_EQ(w->txtSmtp()->text(), "smtp.w");
+    EXPECT_EQ(w->txtEmail()->text(), "w@x.org");
+    EXPECT_EQ(w->txtName()->text(), "Work Me");
+    EXPECT_TRUE(w->CheckHostDelete()->isChecked());
+    EXPECT_FALSE(w->CheckAutorize()->isChecked());
+
+    // Moving between rows only shows them: no entry is rewritten.
+    w->MLmessages()->setCurrentRow(2);
+    EXPECT_EQ(w->txtPOP3()->text(), "");
+    EXPECT_FALSE(w->CheckHostDelete()->isChecked());
+    w->MLmessages()->setCurrentRow(0);
+    EXPECT_TRUE(w->CheckAutorize()->isChecked());
+    EXPECT_EQ(accounts, EmailAccountList({kHome, kWork, kFresh}));
+
+    // Each change rebuilds the selected entry at once, in full form.
+    w->MLmessages()->setCurrentRow(2);
+    w->txtEmail()->setText(QString::fromUtf8("f\u00e9@x.org"));
+    EXPECT_EQ(accounts.at(2), "  Fresh||||0|0||f\xe9@x.org||");
+    w->CheckAutorize()->click();
+    w->txtSmtp()->setText("mail.x:587");
+    EXPECT_EQ(accounts.at(2), "  Fresh||||0|1|mail.x:587|f\xe9@x.org||");
+    EXPECT_EQ(accounts.at(0), kHome);
+}
+
+TEST_F(frmEmailAccountsTest, NewAccountsTheFirstBecomesTheDefault) {
+    auto w = open();
+    EXPECT_EQ(w->MLmessages()->count(), 0);
+    EXPECT_EQ(w->MLmessages()->currentRow(), -1);
+
+    answers = {"Alpha", "", "Beta"};
+    click(*w, "EMAILACCOUNTNEW");
+    click(*w, "EMAILACCOUNTNEW"); // cancelled: nothing added
+    click(*w, "EMAILACCOUNTNEW");
+    EXPECT_EQ(prompts.first(), "Enter Name for account|TORVEX Terminal|New Account");
+    EXPECT_EQ(prompts.size(), 3);
+    EXPECT_EQ(accounts, EmailAccountList({"* Alpha||||||||", "  Beta||||||||"}));
+    EXPECT_EQ(rows(*w), QStringList({"* Alpha", "  Beta"}));
+    EXPECT_EQ(w->MLmessages()->currentRow(), 1);
+
+    w->txtName()->setText("Bea");
+    EXPECT_EQ(accounts.at(1), "  Beta||||0|0|||Bea|");
+}
+
+TEST_F(frmEmailAccountsTest, DefaultAndDeleteWorkOnTheSelectedRow) {
+    accounts = EmailAccountList({kHome, kWork, kFresh});
+    auto w = open();
+
+    w->MLmessages()->setCurrentRow(2);
+    click(*w, "EMAILACCOUNTDEFAULT");
+    EXPECT_EQ(rows(*w), QStringList({"  Home", "  Work", "* Fresh"}));
+    EXPECT_EQ(accounts.defaultIndex(), 2);
+    EXPECT_EQ(accounts.at(1).mid(2), kWork.mid(2));
+
+    sink.answer = false;
+    click(*w, "EMAILACCOUNTDELETE");
+    ASSERT_EQ(sink.asked.size(), 1u);
+    EXPECT_EQ(sink.asked[0].text, "Are you sure to delete this Account?");
+    EXPECT_EQ(sink.asked[0].title, "TORVEX Terminal");
+    EXPECT_EQ(accounts.size(), 3);
+
+    sink.answer = true;
+    click(*w, "EMAILACCOUNTDELETE");
+    EXPECT_EQ(rows(*w), QStringList({"  Home", "  Work"}));
+    EXPECT_EQ(accounts.defaultIndex(), -1); // nobody inherits the mark
+    EXPECT_EQ(w->MLmessages()->currentRow(), -1);
+    EXPECT_EQ(w->txtName()->text(), "");
+
+    // With nothing selected, delete does not ask, default marks nobody and
+    // typing is stored nowhere.
+    click(*w, "EMAILACCOUNTDELETE");
+    click(*w, "EMAILACCOUNTDEFAULT");
+    w->txtName()->setText("lost");
+    EXPECT_EQ(sink.asked.size(), 2u);
+    EXPECT_EQ(accounts, EmailAccountList({kHome, "  " + kWork.mid(2)}));
+
+    click(*w, "other-tool --flag");
+    EXPECT_EQ(started, QList<QByteArray>{"other-tool --flag"});
+}
+
+TEST_F(frmEmailAccountsTest, OkWritesTheFileAndClosesEscapeDoesNot) {
+    // A former fourth account must not survive the save.
+    file.SaveAccounts(EmailAccountList({kHome, kWork, kFresh, "  Old||||||||"}));
+    accounts = file.LoadAccounts();
+    accounts.removeAt(3);
+    {
+        auto w = open();
+        QTimer::singleShot(0, w.get(), [&] {
+            QKeyEvent esc(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+            QCoreApplication::sendEvent(w.get(), &esc);
+        });
+        w->exec();
+        EXPECT_FALSE(w->isVisible());
+        EXPECT_FALSE(w->saved());
+        EXPECT_EQ(file.LoadAccounts().size(), 4);
+    }
+    auto w = open();
+    QTimer::singleShot(0, w.get(), [&] {
+        w->txtPass()->setText("abc");
+        click(*w, "ok");
+    });
+    w->exec();
+    EXPECT_FALSE(w->isVisible());
+    EXPECT_TRUE(w->saved());
+
+    const QByteArray onDisk = readAll(file.path());
+    EXPECT_TRUE(onDisk.contains("2=" + encodeTriplets(kFresh)));
+    EXPECT_FALSE(onDisk.contains("3="));
+    EXPECT_TRUE(onDisk.contains("097098099")); // the password abc, encoded only
+    EXPECT_EQ(file.LoadAccounts(), accounts);
+    EXPECT_FALSE(QFile::permissions(file.path()) &
+                 (QFileDevice::ReadGroup | QFileDevice::ReadOther));
+}
+
+} // namespace
+
+namespace {
+
+// The main window opens the manager for EMAILACCOUNTS and takes the saved
+// list back as its own.
+TEST(frmEmailAccountsFromMain, OkReloadsTheMainWindowsList) {
+    TempDir dir;
+    RecordingMessageSink sink;
+    SettingsStore store{dir.file("config")};
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 0))};
+    QDir().mkpath(dir.file("prog/theme"));
+    writeAll(dir.file("prog/theme/Mirel.skn"),
+             "[DEFAULT]\r\n01=B,a.bmp,0,0,50,20,,,False,EmailAccounts\r\n[Overview]\r\n");
+    writeAll(dir.file("prog/theme/terminal.skn"), kTerminal);
+    store.SaveSetting(kFamilyApp, "Default", "ProgramDir", dir.file("prog").toUtf8());
+    store.SaveSetting(kFamilyApp, "Default", "ThemeDir", "\\theme\\");
+    IniHelpers ini{sink, store};
+    const Folders folders{dir.file("prog"), QStringLiteral("\\theme\\")};
+    QDir().mkpath(dir.file("prog/Email"));
+    AccountsFile(ini, folders).SaveAccounts(EmailAccountList({kHome, kWork}));
+
+    frmMain w(store, sink, clock);
+    w.setSingleInstanceEnabled(false);
+    w.setBundledThemeCandidates({dir.file("none")});
+    ASSERT_EQ(w.Form_Load(), frmMain::StartResult::Ready);
+    ASSERT_EQ(w.lstEmailAccounts().size(), 2);
+
+    bool opened = false;
+    QTimer::singleShot(0, &w, [&] {
+        auto* dlg = qobject_cast<frmEmailAccounts*>(QApplication::activeModalWidget());
+        ASSERT_NE(dlg, nullptr);
+        opened = true;
+        // In the shared list at once, before the file is written.
+        dlg->txtName()->setText("Ann");
+        EXPECT_EQ(AccountRecord::field(w.lstEmailAccounts().at(1), AccountRecord::SenderName),
+                  "Ann");
+        dlg->runCommand("OK");
+    });
+    w.ClickButton(1);
+    EXPECT_TRUE(opened);
+    EXPECT_EQ(AccountsFile(ini, folders).LoadAccounts(), w.lstEmailAccounts());
+    EXPECT_EQ(AccountRecord::field(w.lstEmailAccounts().at(1), AccountRecord::SenderName), "Ann");
+    w.ShutDown();
+}
+
+} // namespace
