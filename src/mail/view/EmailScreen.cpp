@@ -58,10 +58,14 @@ EmailScreen::EmailScreen(SkinHost& host, MailStore& store)
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->hide();
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setTextElideMode(Qt::ElideRight);
     connect(m_list, &QTreeWidget::itemClicked, this, [this] { MessageListClick(); });
-    // Keyboard and screen readers move the current row without a click.
-    connect(m_list, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* now) {
-        if (!m_filling && now && QApplication::mouseButtons() == Qt::NoButton)
+    // The keyboard and screen readers choose a row without a click; a mouse
+    // press is left to the click that follows it.
+    connect(m_list, &QTreeWidget::itemSelectionChanged, this, [this] {
+        if (!m_filling && QApplication::mouseButtons() == Qt::NoButton &&
+            m_list->selectedItems().size() == 1)
             MessageListClick();
     });
 
@@ -70,6 +74,11 @@ EmailScreen::EmailScreen(SkinHost& host, MailStore& store)
     m_browser->setAccessibleName(QStringLiteral("wbEmail"));
     m_browser->setOpenLinks(false);
     m_browser->setFrameShape(QFrame::NoFrame);
+    // Pages are made dark; the default link blue would hardly read on them.
+    QPalette links = m_browser->palette();
+    links.setColor(QPalette::Link, QColor(110, 180, 255));
+    links.setColor(QPalette::LinkVisited, QColor(190, 150, 255));
+    m_browser->setPalette(links);
     m_browser->hide();
     connect(m_browser, &QTextBrowser::anchorClicked, this, &EmailScreen::linkClicked);
 
@@ -179,6 +188,10 @@ void EmailScreen::ClearMessageView() {
 
 void EmailScreen::MessageListClick() {
     QTreeWidgetItem* item = m_list->currentItem();
+    if (!item || !item->isSelected()) {
+        const QList<QTreeWidgetItem*> selected = m_list->selectedItems();
+        item = selected.isEmpty() ? item : selected.first();
+    }
     const int row = item ? m_list->indexOfTopLevelItem(item) : -1;
     m_view.setShownRow(row);
     if (row < 0 || row >= m_lines.size() || m_lines[row].isEmpty())
