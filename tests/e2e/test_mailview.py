@@ -35,24 +35,13 @@ if __name__ == "__main__" and not os.environ.get(IN_BUS):
     reexec_in_private_bus()
 
 from mirel_harness import Session, Xvfb  # noqa: E402
+from test_accessibility import walk  # noqa: E402
 
 CORPUS = "/usr/lib/python3.11/test/test_email/data/"
 SOURCE_DIR = os.environ.get("MIREL_SOURCE_DIR",
                             os.path.join(os.path.dirname(__file__), "..", ".."))
 BUILD_DIR = os.environ.get("MIREL_BUILD_DIR", os.path.join(SOURCE_DIR, "build"))
 HELPER = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
-
-
-def walk(node, depth=0):
-    if node is None or depth > 30:
-        return
-    yield node
-    for i in range(node.childCount):
-        try:
-            child = node.getChildAtIndex(i)
-        except Exception:
-            continue
-        yield from walk(child, depth + 1)
 
 
 def utf8_message(path):

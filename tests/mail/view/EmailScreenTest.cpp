@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QListWidget>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
@@ -181,6 +182,19 @@ TEST(EmailScreen, EmptyFolderShowsNothing) {
     EXPECT_FALSE(m.screen().lvAttachments()->isVisible());
     m.click("EMAILSOURCE"); // nothing shown: an empty source, no crash
     EXPECT_TRUE(m.screen().rtfEmail()->toPlainText().isEmpty());
+}
+
+TEST(EmailScreen, PagesFetchNothing) {
+    // Pictures and style sheets a message names stay where they are, on the
+    // network or on this disk.
+    Main m;
+    const QString local = m.dir.file("prog/theme/Mirel.skn");
+    for (const QUrl& url :
+         {QUrl("http://127.0.0.1:9/track.png"), QUrl::fromLocalFile(local), QUrl("Mirel.skn")})
+        for (int type : {int(QTextDocument::ImageResource), int(QTextDocument::StyleSheetResource),
+                         int(QTextDocument::HtmlResource)})
+            EXPECT_FALSE(m.screen().wbEmail()->loadResource(type, url).isValid())
+                << url.toString().toStdString();
 }
 
 TEST(EmailScreen, UnreadColourStandsApart) {

@@ -42,7 +42,6 @@ INSTANTIATE_TEST_SUITE_P(
                  link("http://a.x") + " " + link("http://b.y")},
         TextCase{"OnlyPlainHttp", "https://s.example ftp://f.example www.w.example",
                  "https://s.example ftp://f.example www.w.example"},
-        TextCase{"BareScheme", "http:// x", link("http://") + " x"},
         TextCase{"NothingEscaped", "a < b & <i>c</i>", "a < b & <i>c</i>"}),
     [](const auto& info) { return std::string(info.param.name); });
 
@@ -86,7 +85,6 @@ INSTANTIATE_TEST_SUITE_P(
                  "<body bgcolor=white><font color=#000000>a</font></html>"},
         HtmlCase{"NoBodyKeepsEverything", "<p>only a fragment</p>", "<p>only a fragment</p>"},
         HtmlCase{"CutAfterHtm", "<body>x</body></htm", "<body>x</body></htmL>"},
-        HtmlCase{"CutAfterHtml", "<body>x</body></HTML", "<body>x</body></HTML>"},
         HtmlCase{"CutAfterHt", "<body>x</body></HT", "<body>x</body></HTML>"},
         HtmlCase{"WholeEndTagUntouched", "<body>x</body></html>\r\n", "<body>x</body></html>\r\n"},
         HtmlCase{"UnclosedBodyTag", "head<body bgcolor=#fff",
@@ -120,8 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
         CharsetCase{"MetaWithoutCharset", "<meta name=x><p>charset=utf-8", "", "windows-1252"},
         CharsetCase{"HeaderCharset", "x",
                     "From: a\r\ncontent-type: text/plain;\r\n\tcharset=\"ISO-8859-15\"\r\n",
-                    "iso-8859-15"},
-        CharsetCase{"HeaderWithoutCharset", "x", "Content-Type: text/plain\r\n", "windows-1252"}),
+                    "iso-8859-15"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace

@@ -159,14 +159,4 @@ TEST_F(MessageViewTest, AttachmentNamesAndMissingRows) {
     EXPECT_TRUE(sink.shown.empty());
 }
 
-TEST_F(MessageViewTest, FolderKeyAndRow) {
-    EXPECT_EQ(view.currentFolder(), "0");
-    view.setCurrentFolder("Work");
-    view.setShownRow(4);
-    EXPECT_EQ(view.currentFolder(), "Work");
-    view.clear();
-    EXPECT_EQ(view.shownRow(), -1);
-    EXPECT_EQ(view.currentFolder(), "Work");
-}
-
 } // namespace
