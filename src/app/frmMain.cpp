@@ -3,6 +3,7 @@
 #include "mail/store/MailStore.h"
 #include "mail/transport/AccountsFile.h"
 #include "mail/transport/frmEmailAccounts.h"
+#include "mail/view/EmailScreen.h"
 #include "organiser/OrganiserScreen.h"
 
 #include "app/BundledTheme.h"
@@ -178,6 +179,8 @@ void frmMain::prepareMailStore() {
     // between; every step of it only makes what is missing.
     if (!m_mailStore)
         m_mailStore = std::make_unique<MailStore>(m_folders.ProgramDir, m_clock, m_messages);
+    if (!m_email)
+        m_email = std::make_unique<EmailScreen>(*this, *m_mailStore);
     m_mailStore->MailStoreStartup(m_ini);
 }
 
@@ -194,6 +197,10 @@ void frmMain::prepareDataFolders() {
                                                         ShowScreen(screen);
                                                         fillScreen(screen);
                                                     });
+    m_organiser->setMailFolderChosen([this](int folder) {
+        if (m_email)
+            m_email->setCurrentFolder(QByteArray::number(folder));
+    });
     m_organiser->prepareDataFolders();
 }
 
@@ -208,6 +215,8 @@ void frmMain::loadAgenda() {
 }
 
 void frmMain::fillScreen(const QByteArray& screen) {
+    if (screen == "Email" && m_email)
+        m_email->ShowEmailScreen();
     if (m_organiser)
         m_organiser->fillScreen(screen);
 }
@@ -342,6 +351,10 @@ void frmMain::dispatch(const QByteArray& command) {
             loadMailAccounts();
         return;
     }
+    case Command::EmailSource:
+        if (m_email)
+            m_email->ShowMessageSource();
+        return;
     default:
         if (m_organiser && m_organiser->command(match.name, match.arg))
             return;

@@ -27,6 +27,7 @@
 namespace mirel {
 
 class Clock;
+class EmailScreen;
 class LayoutEngine;
 class MailStore;
 class MessageSink;
@@ -71,6 +72,8 @@ public:
     MailStore* mailStore() const { return m_mailStore.get(); }
     /// The account list, loaded at start and after the account manager saves.
     EmailAccountList& lstEmailAccounts() { return m_lstEmailAccounts; }
+    /// The e-mail screen's list and view (null until the mail store is ready).
+    EmailScreen* emailScreen() const { return m_email.get(); }
 
     /// Where the bundled theme is looked for on a first start (tests point it elsewhere).
     void setBundledThemeCandidates(QStringList dirs) { m_themeCandidates = std::move(dirs); }
@@ -135,6 +138,7 @@ private:
     std::unique_ptr<LayoutEngine> m_engine;
     std::unique_ptr<SingleInstance> m_instance;
     std::unique_ptr<MailStore> m_mailStore;
+    std::unique_ptr<EmailScreen> m_email;
     EmailAccountList m_lstEmailAccounts;
     std::unique_ptr<OrganiserContext> m_organiserContext;
     std::unique_ptr<OrganiserScreen> m_organiser;

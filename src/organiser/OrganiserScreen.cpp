@@ -119,6 +119,8 @@ void OrganiserScreen::overviewReleased() {
             m_calendar.showDay(t.month, t.day);
         break;
     case OverviewTarget::Email:
+        if (t.mailFolder >= 0 && m_mailFolderChosen)
+            m_mailFolderChosen(t.mailFolder);
         m_openScreen("Email");
         break;
     case OverviewTarget::Todo: {

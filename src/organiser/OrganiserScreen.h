@@ -33,6 +33,10 @@ public:
     bool command(const QByteArray& name, int arg);
     void listReleased(const QByteArray& screen);
     void overviewReleased();
+    /// Told the mail folder number of an overview row before the e-mail screen opens.
+    void setMailFolderChosen(std::function<void(int)> chosen) {
+        m_mailFolderChosen = std::move(chosen);
+    }
     void modeClicked() { m_agenda.modeClicked(); }
     void priorityChosen(int priority) { m_agenda.priorityChosen(priority); }
 
@@ -43,6 +47,7 @@ private:
 
     OrganiserShared m_sh;
     std::function<void(const QByteArray&)> m_openScreen;
+    std::function<void(int)> m_mailFolderChosen;
     AgendaStore m_store;
     Overview m_overview;
     OverviewTexts m_texts;

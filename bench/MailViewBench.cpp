@@ -1,0 +1,127 @@
+// The e-mail screen's work on a folder of 10,000 messages: building every
+// visible row from the index (the list a folder fills), and opening one
+// message (reading its rows, marking it read, building and writing its
+// page). Floors: a bare scan of the same index table, and reading the one
+// message row.
+#include "BenchMain.h"
+#include "mail/store/MailStore.h"
+#include "mail/view/MessageListLine.h"
+#include "mail/view/MessageView.h"
+#include "platform/SettingsStore.h"
+#include "platform/SqliteDb.h"
+#include "settings/IniHelpers.h"
+
+#include <QTemporaryDir>
+#include <SQLiteCpp/SQLiteCpp.h>
+
+using namespace mirel;
+
+namespace {
+
+constexpr int kMessages = 10000;
+
+struct NullSink final : MessageSink {
+    void showMessage(const QString&, const QString&, Icon) override {}
+    bool askYesNo(const QString&, const QString&) override { return false; }
+};
+
+struct World {
+    QTemporaryDir dir;
+    NullSink sink;
+    SettingsStore settings{dir.path() + QStringLiteral("/config")};
+    IniHelpers ini{sink, settings};
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0))};
+    MailStore store{dir.path(), clock, sink};
+    qint32 htmlMessage = 0;
+
+    World() {
+        store.MailStoreStartup(ini);
+        // One transaction for the whole folder: storing message by message
+        // would time the store, not the list.
+        SqliteDb db(store.databasePath("0", QStringLiteral("index.mdb")), 3000);
+        db.run([](SQLite::Database& d) {
+            SQLite::Statement st(d, R"(INSERT INTO "Index" ("Subject", "From", "Date", "To",
+                "Attachments", "Readed", "RealDate") VALUES (?, ?, ?, ?, ?, ?, ?))");
+            for (int i = 0; i < kMessages; ++i) {
+                const QByteArray n = QByteArray::number(i);
+                SqliteDb::bindBytes(
+                    st, 1, i % 3 ? "Weekly report " + n : "=?utf-8?q?Gr=C3=BC=C3=9Fe_" + n + "?=");
+                SqliteDb::bindBytes(st, 2, "\"Sender " + n + "\" <s" + n + "@example.org>");
+                SqliteDb::bindBytes(st, 3, "Sun, 22 Nov 2026 10:00:00 +0100");
+                SqliteDb::bindBytes(st, 4, "me@example.org");
+                st.bind(5, i % 7 == 0 ? 1 : 0);
+                st.bind(6, i % 2);
+                st.bind(7, QDateTime(QDate(2026, 1, 1), QTime(0, 0))
+                               .addSecs(i * 60)
+                               .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))
+                               .toStdString());
+                st.exec();
+                st.reset();
+            }
+        });
+        MessageRow bodies;
+        QByteArray html = "<html><head><title>t</title></head><body bgcolor=#ffffff>";
+        for (int i = 0; i < 2000; ++i)
+            html += "<p><font color=#000000>Paragraph " + QByteArray::number(i) +
+                    "</font> <a href=\"http://example.org/\">link</a></p>\r\n";
+        bodies.html = html + "</body></html>";
+        bodies.text = "Plain copy of the page\r\n";
+        bodies.headers = "From: a@example.org\r\nContent-Type: multipart/alternative\r\n";
+        htmlMessage = *store.createMessage(
+            "0", NewIndexFields{QByteArray("s"), QByteArray("f"), QByteArray("d"), QByteArray("t")},
+            bodies, {{"name=\"report.pdf\"", "%PDF"}});
+    }
+};
+
+World& world() {
+    static World w;
+    return w;
+}
+
+void BM_IndexScanFloor(benchmark::State& state) {
+    World& w = world();
+    for (auto _ : state) {
+        SqliteDb db(w.store.databasePath("0", QStringLiteral("index.mdb")), 3000);
+        qsizetype bytes = 0;
+        db.run(
+            [&](SQLite::Database& d) {
+                SQLite::Statement st(d, R"(SELECT * FROM "Index" ORDER BY "RealDate" DESC)");
+                while (st.executeStep())
+                    for (int c = 1; c <= 4; ++c)
+                        bytes += SqliteDb::columnBytes(st, c).size();
+            },
+            false);
+        benchmark::DoNotOptimize(bytes);
+    }
+}
+BENCHMARK(BM_IndexScanFloor)->Unit(benchmark::kMillisecond);
+
+void BM_FillMessageList(benchmark::State& state) {
+    World& w = world();
+    for (auto _ : state) {
+        QList<QStringList> rows;
+        for (const IndexRow& row : w.store.FillMessageIndexList("0"))
+            rows.append(MessageListLine::parse(row.listLine()).columns());
+        benchmark::DoNotOptimize(rows);
+    }
+}
+BENCHMARK(BM_FillMessageList)->Unit(benchmark::kMillisecond);
+MIREL_FLOOR(BM_FillMessageList, BM_IndexScanFloor);
+
+void BM_ReadMessageRowFloor(benchmark::State& state) {
+    World& w = world();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(w.store.readMessageRow("0", w.htmlMessage));
+}
+BENCHMARK(BM_ReadMessageRowFloor)->Unit(benchmark::kMicrosecond);
+
+void BM_OpenMessage(benchmark::State& state) {
+    World& w = world();
+    MessageView view(w.store);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(view.ShowMessage("0", w.htmlMessage).page.size());
+}
+BENCHMARK(BM_OpenMessage)->Unit(benchmark::kMicrosecond);
+MIREL_FLOOR(BM_OpenMessage, BM_ReadMessageRowFloor);
+
+} // namespace

@@ -1,0 +1,87 @@
+#include "mail/view/MessageListLine.h"
+
+#include "mail/mime/MailDisplayText.h"
+#include "settings/CommaList.h"
+
+namespace mirel {
+
+namespace {
+
+// Most headers are plain ASCII without encoded words; they read the same
+// without the decoder, which a folder of thousands of rows notices.
+QString shown(const QByteArray& value) {
+    for (char c : value)
+        if (uchar(c) >= 0x80)
+            return MailDisplayText::decodeHeader(value);
+    return value.contains("=?") ? MailDisplayText::decodeHeader(value) : QString::fromLatin1(value);
+}
+
+} // namespace
+
+MessageListLine MessageListLine::parse(QByteArrayView view) {
+    const QByteArray line = view.toByteArray();
+    MessageListLine l;
+    QByteArray* fields[] = {&l.id, &l.readed, &l.attachments, &l.subject, &l.from, &l.date};
+    qsizetype start = 0;
+    for (QByteArray* field : fields) {
+        const qsizetype tab = line.indexOf('\t', start);
+        if (tab < 0) {
+            *field = line.mid(start);
+            return l;
+        }
+        *field = line.mid(start, tab - start);
+        start = tab + 1;
+    }
+    l.to = line.mid(start);
+    return l;
+}
+
+qint32 MessageListLine::messageId() const {
+    return qint32(leadingNumber(id));
+}
+
+bool MessageListLine::isRead() const {
+    return leadingNumber(readed) > 0;
+}
+
+bool MessageListLine::hasAttachments() const {
+    return leadingNumber(attachments) > 0;
+}
+
+QByteArray MessageListLine::markedRead(QByteArrayView view) {
+    const QByteArray line = view.toByteArray();
+    const qsizetype first = line.indexOf('\t');
+    if (first < 0)
+        return line + "\t1";
+    const qsizetype second = line.indexOf('\t', first + 1);
+    const qsizetype end = second < 0 ? line.size() : second;
+    return line.left(first + 1) + '1' + line.mid(end);
+}
+
+QByteArray MessageListLine::displayName(QByteArrayView view) {
+    const QByteArray address = view.toByteArray();
+    if (!address.startsWith('"'))
+        return address;
+    const qsizetype close = address.indexOf('"', 1);
+    // An unclosed quote: the rest of the text is the name.
+    return close < 0 ? address.mid(1) : address.mid(1, close - 1);
+}
+
+QStringList MessageListLine::columns() const {
+    return {hasAttachments() ? QStringLiteral("*") : QStringLiteral(" "),
+            QString(),
+            shown(displayName(from)),
+            QString(),
+            shown(subject),
+            QString(),
+            shown(date),
+            QString(),
+            shown(displayName(to))};
+}
+
+std::array<int, 9> MessageListLine::columnWidths(int listWidth) {
+    const int quarter = qMax(0, (listWidth - 30) / 4);
+    return {10, 5, quarter, 5, quarter, 5, quarter, 5, quarter};
+}
+
+} // namespace mirel

@@ -1,0 +1,209 @@
+// The e-mail screen in the real main window, offscreen: the list of a
+// folder with read and unread rows, opening a message, the source view,
+// attachments, links, and the folder an overview row chooses.
+#include "mail/view/EmailScreen.h"
+#include "TestSupport.h"
+#include "app/frmMain.h"
+#include "mail/store/MailStore.h"
+#include "platform/Clock.h"
+#include "platform/SettingsStore.h"
+#include "ui/SkinButton.h"
+
+#include <QDir>
+#include <QListWidget>
+#include <QTextBrowser>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+
+namespace {
+
+const QByteArray kSkin =
+    "[DEFAULT]\r\nBackGround=0,0,0\r\n"
+    "01=B,b.bmp,0,0,50,20,,,False,EMAIL\r\n"
+    "[OVERVIEW]\r\n01=L,overview,60,0,300,300,0,0,0,255,255,255,Sans,9\r\n"
+    "[EMAIL]\r\ndefin=Inbox\r\ndefout=Outbox\r\ndefsnd=Sent\r\ndefdel=Deleted\r\n"
+    "01=B,b.bmp,60,0,50,20,,,False,EMAILREPLY\r\n"
+    "02=B,b.bmp,120,0,50,20,,,False,EMAILSOURCE\r\n"
+    "03=B,b.bmp,180,0,50,20,,,False,EMAILNEW\r\n"
+    "04=ML,messages,60,30,830,200,10,10,10,200,200,200,Sans,9\r\n"
+    "05=MO,view,60,240,830,300,0,0,0,255,255,255,Sans,9\r\n"
+    "06=MA,attachments,60,550,830,80,10,10,10,200,200,200,Sans,9\r\n";
+
+struct Main {
+    test::TempDir dir;
+    SettingsStore store{dir.file("config")};
+    test::RecordingMessageSink sink;
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(9, 0))};
+    std::unique_ptr<frmMain> w;
+    QList<QUrl> opened;
+
+    Main() {
+        QDir().mkpath(dir.file("prog/theme"));
+        test::writeAll(dir.file("prog/theme/Mirel.skn"), kSkin);
+        test::writeAll(dir.file("prog/theme/terminal.skn"), "[DEFAULT]\r\nSound=0\r\n");
+        store.SaveSetting(kFamilyApp, "Default", "ProgramDir", dir.file("prog").toUtf8());
+        store.SaveSetting(kFamilyApp, "Default", "ThemeDir", "\\theme\\");
+        w = std::make_unique<frmMain>(store, sink, clock);
+        w->setSingleInstanceEnabled(false);
+        w->setBundledThemeCandidates({dir.file("none")});
+        w->resize(1024, 768);
+        EXPECT_EQ(w->Form_Load(), frmMain::StartResult::Ready);
+        screen().setLinkOpener([this](const QUrl& u) { opened.append(u); });
+    }
+    EmailScreen& screen() { return *w->emailScreen(); }
+    void click(const QByteArray& command) {
+        for (int i = 1; i <= w->state().buttonCount(); ++i)
+            if (w->state().button(i).command == command) {
+                w->ClickButton(i);
+                return;
+            }
+        ADD_FAILURE() << "no button " << command.constData();
+    }
+    qint32 add(const QByteArray& folder, const QByteArray& subject, const QByteArray& from,
+               MessageRow bodies, std::vector<AttachmentRow> attachments = {}) {
+        clock.advanceSeconds(60);
+        return *w->mailStore()->createMessage(
+            folder,
+            NewIndexFields{subject, from, QByteArray("Sun, 22 Nov 2026"), QByteArray("me@x.org")},
+            bodies, attachments);
+    }
+    void clickRow(int row) {
+        QTreeWidget* list = screen().MLmessages();
+        list->setCurrentItem(list->topLevelItem(row));
+        Q_EMIT list->itemClicked(list->topLevelItem(row), 0);
+    }
+    SkinButton* mailButton(const char* command) {
+        return w->button(w->state().tables.mailButtons.value(command));
+    }
+};
+
+TEST(EmailScreen, ListOpenSourceAndAttachments) {
+    Main m;
+    MessageRow text;
+    text.text = "Hello\r\nsee http://example.org/page now\r\n";
+    text.headers = "From: \"Ann\" <ann@x.org>\r\nSubject: Plain\r\n";
+    MessageRow html;
+    html.html = "<html><head><meta charset=utf-8></head><body bgcolor=#ffffff>"
+                "Gr\xC3\xBC\xC3\x9F"
+                "e <a href=\"http://example.com/\">site</a></body></html>";
+    m.add("0", "Plain", "\"Ann\" <ann@x.org>", text);
+    m.add("0", "=?utf-8?q?Gr=C3=BC=C3=9Fe?=", "bob@y.net", html,
+          {{"name=\"very_long_report_name.pdf\"", "%PDF-1.4"}, {"name=\"a.txt\"", "x"}});
+
+    m.click("EMAIL");
+    QTreeWidget* list = m.screen().MLmessages();
+    ASSERT_EQ(list->topLevelItemCount(), 2);
+    EXPECT_TRUE(list->isVisible());
+    // Newest first; the sender's quoted name alone; encoded subject decoded.
+    EXPECT_EQ(list->topLevelItem(0)->text(0), "*");
+    EXPECT_EQ(list->topLevelItem(0)->text(2), "bob@y.net");
+    EXPECT_EQ(list->topLevelItem(0)->text(4), QString::fromUtf8("Grüße"));
+    EXPECT_EQ(list->topLevelItem(1)->text(2), "Ann");
+    EXPECT_EQ(list->topLevelItem(1)->text(0), " ");
+    EXPECT_EQ(list->columnWidth(2), (830 - 30) / 4);
+    EXPECT_EQ(m.screen().ListMessages().size(), 2);
+
+    const QColor fore(200, 200, 200);
+    EXPECT_NE(list->topLevelItem(0)->foreground(4).color(), fore);
+    EXPECT_FALSE(m.screen().wbEmail()->isVisible());
+    EXPECT_FALSE(m.mailButton("emailreply")->isVisible());
+    EXPECT_TRUE(m.w->button(m.w->state().buttonCount())->isVisible()) << "EMAILNEW stays";
+
+    m.clickRow(0);
+    EXPECT_EQ(list->topLevelItem(0)->foreground(4).color(), fore);
+    EXPECT_TRUE(m.screen().ListMessages()[0].startsWith(QByteArray::number(2) + "\t1\t"));
+    EXPECT_EQ(m.w->mailStore()->readIndexRow("0", 2)->readed, 1);
+    EXPECT_TRUE(m.screen().wbEmail()->isVisible());
+    EXPECT_FALSE(m.screen().rtfEmail()->isVisible());
+    EXPECT_TRUE(m.mailButton("emailreply")->isVisible());
+    EXPECT_TRUE(m.screen().wbEmail()->toPlainText().contains(QString::fromUtf8("Grüße site")))
+        << m.screen().wbEmail()->toPlainText().toStdString();
+    // The file keeps the stored bytes; only the screen decodes them.
+    EXPECT_TRUE(test::readAll(m.screen().view().pagePath())
+                    .contains("Gr\xC3\xBC\xC3\x9F"
+                              "e"));
+
+    QListWidget* att = m.screen().lvAttachments();
+    EXPECT_TRUE(att->isVisible());
+    ASSERT_EQ(att->count(), 2);
+    EXPECT_EQ(att->item(0)->text(), "very_long_re");
+    EXPECT_EQ(att->item(0)->toolTip(), "very_long_report_name.pdf");
+    EXPECT_EQ(att->item(1)->text(), "a.txt");
+
+    Q_EMIT m.screen().wbEmail()->anchorClicked(QUrl("http://example.com/"));
+    Q_EMIT m.screen().wbEmail()->anchorClicked(QUrl("file:///etc/passwd"));
+    Q_EMIT m.screen().wbEmail()->anchorClicked(QUrl("relative.html"));
+    EXPECT_EQ(m.opened, QList<QUrl>{QUrl("http://example.com/")});
+
+    m.clickRow(1);
+    EXPECT_EQ(att->count(), 0);
+    EXPECT_TRUE(m.screen().wbEmail()->toHtml().contains("http://example.org/page"));
+    m.click("EMAILSOURCE");
+    EXPECT_FALSE(m.screen().wbEmail()->isVisible());
+    EXPECT_TRUE(m.screen().rtfEmail()->isVisible());
+    EXPECT_EQ(m.screen().rtfEmail()->toPlainText(), "From: \"Ann\" <ann@x.org>\nSubject: Plain\n");
+
+    // Entering the screen again clears the view; both rows now read.
+    m.click("EMAIL");
+    EXPECT_FALSE(m.screen().rtfEmail()->isVisible());
+    EXPECT_FALSE(m.mailButton("emailsource")->isVisible());
+    EXPECT_EQ(list->topLevelItem(1)->foreground(2).color(), fore);
+    EXPECT_EQ(m.screen().view().shownRow(), -1);
+}
+
+TEST(EmailScreen, OverviewRowOpensItsFolder) {
+    Main m;
+    m.add("2", "sent one", "me@x.org", MessageRow{0, "t", {}, {}});
+    m.w->ShowScreen("Overview");
+    QListWidget* overview = m.w->overviewList();
+    ASSERT_NE(overview, nullptr);
+    int row = -1;
+    for (int i = 0; i < overview->count(); ++i)
+        if (overview->item(i)->text() == "  Sent")
+            row = i;
+    ASSERT_GE(row, 0);
+    overview->setCurrentRow(row);
+    m.w->overviewListReleased();
+    EXPECT_EQ(m.w->state().currentScreen, "Email");
+    EXPECT_EQ(m.screen().view().currentFolder(), "2");
+    ASSERT_EQ(m.screen().MLmessages()->topLevelItemCount(), 1);
+    EXPECT_EQ(m.screen().MLmessages()->topLevelItem(0)->text(4), "sent one");
+}
+
+TEST(EmailScreen, EmptyFolderShowsNothing) {
+    Main m;
+    m.click("EMAIL");
+    EXPECT_EQ(m.screen().MLmessages()->topLevelItemCount(), 0);
+    EXPECT_FALSE(m.screen().wbEmail()->isVisible());
+    EXPECT_FALSE(m.screen().lvAttachments()->isVisible());
+    m.click("EMAILSOURCE"); // nothing shown: an empty source, no crash
+    EXPECT_TRUE(m.screen().rtfEmail()->toPlainText().isEmpty());
+}
+
+TEST(EmailScreen, PagesFetchNothing) {
+    // Pictures and style sheets a message names stay where they are, on the
+    // network or on this disk.
+    Main m;
+    const QString local = m.dir.file("prog/theme/Mirel.skn");
+    for (const QUrl& url :
+         {QUrl("http://127.0.0.1:9/track.png"), QUrl::fromLocalFile(local), QUrl("Mirel.skn")})
+        for (int type : {int(QTextDocument::ImageResource), int(QTextDocument::StyleSheetResource),
+                         int(QTextDocument::HtmlResource)})
+            EXPECT_FALSE(m.screen().wbEmail()->loadResource(type, url).isValid())
+                << url.toString().toStdString();
+}
+
+TEST(EmailScreen, UnreadColourStandsApart) {
+    for (const QColor& fore : {QColor(255, 190, 40), QColor(200, 200, 200), QColor(0, 0, 0)})
+        for (const QColor& back : {QColor(0, 0, 0), QColor(255, 255, 255), QColor(80, 170, 255)}) {
+            const QColor c = EmailScreen::unreadColour(fore, back);
+            EXPECT_NE(c, fore);
+            EXPECT_NE(c, back);
+        }
+}
+
+} // namespace
