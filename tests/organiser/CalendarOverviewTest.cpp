@@ -47,20 +47,6 @@ TEST_F(CalendarOverviewTest, DayNotesByDayOfYear) {
     EXPECT_EQ(rows.size(), 1);
 }
 
-TEST_F(CalendarOverviewTest, EmptyOverviewHasFourHeadersAtZero) {
-    Overview ov(ctx);
-    OverviewTexts texts;
-    texts.calendar = "Calendar ";
-    texts.todo = "To do ";
-    texts.agenda = "Agenda ";
-    SortedList rows{false}, tasks;
-    ov.refresh(texts, AgendaLists{}, rows, tasks);
-    EXPECT_EQ(
-        rowsOf(rows),
-        (QList<std::pair<QByteArray, int>>{
-            {"  Agenda (0)", 1}, {"  Calendar (0)", 3}, {"E-Mail  (0)", 4}, {"  To do (0)", 7}}));
-}
-
 TEST_F(CalendarOverviewTest, OverviewSectionsCodesAndCounts) {
     clock.set(QDateTime(QDate(2006, 12, 30), QTime(10, 0)));
     CalendarBook cal(ctx);

@@ -60,7 +60,6 @@ TEST_F(ItemListsTest, NotesSaveListEditAndDelete) {
     sink.answer = true;
     EXPECT_TRUE(notes.remove(st, boxes));
     EXPECT_EQ(sink.asked.back().text, "Are you sure to delete this item?");
-    EXPECT_EQ(sink.asked.back().title, "TORVEX Terminal");
     EXPECT_FALSE(QFile::exists(data("Notes/20061116164513.not")));
     EXPECT_EQ(rowTexts(st), QList<QByteArray>{"New Note"});
     EXPECT_EQ(st.selection, -1);
