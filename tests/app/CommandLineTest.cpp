@@ -50,20 +50,6 @@ TEST(CommandLine, CommandsReadBackFromTheStoreUnchanged) {
     }
 }
 
-TEST(CommandLine, SendNeedsARunningInstanceQuitDoesNot) {
-    test::TempDir dir;
-    SettingsStore store(dir.path());
-    const QString name = SingleInstance::serverName(dir.path());
-    QString message;
-
-    EXPECT_EQ(CommandLine::parse({"--send", "NOTES"}).deliver(store, name, &message), 1);
-    EXPECT_FALSE(message.isEmpty());
-    EXPECT_EQ(store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
-
-    EXPECT_EQ(CommandLine::parse({"--quit"}).deliver(store, name, &message), 0);
-    EXPECT_EQ(store.GetSetting(kFamilyApp, kExitSection, kExitKey), "1");
-}
-
 TEST(SingleInstance, SecondClaimRaisesTheFirst) {
     test::TempDir dir;
     const QString name = SingleInstance::serverName(dir.path());

@@ -1,5 +1,4 @@
 #include "TestSupport.h"
-#include "app/BusyFlag.h"
 #include "app/CommandTable.h"
 #include "app/OpenCommand.h"
 
@@ -95,24 +94,6 @@ TEST(OpenCommand, ClassifiesProgramsAddressesAndDocuments) {
         EXPECT_EQ(c.classify(dir.path(), &resolved), r.target)
             << r.program << " -> " << resolved.toStdString();
     }
-}
-
-TEST(BusyFlag, DropsNestedClicksAndClearsAfterwards) {
-    BusyFlag flag;
-    int ran = 0;
-    auto click = [&](auto&& self, int depth) -> void {
-        BusyFlag::Scope scope(flag);
-        if (!scope.acquired())
-            return;
-        ++ran;
-        if (depth < 3)
-            self(self, depth + 1); // a click arriving while a command runs
-    };
-    click(click, 0);
-    EXPECT_EQ(ran, 1);
-    EXPECT_FALSE(flag.busy());
-    click(click, 0);
-    EXPECT_EQ(ran, 2);
 }
 
 TEST(OpenCommand, ArbitraryCommandsSplitWithoutLoss) {

@@ -87,12 +87,3 @@ TEST(MailboxPoller, ClickThatChangesTheTableIsFollowedLive) {
     f.poller.poll(true, b);
     EXPECT_EQ(f.clicked, QList<int>{1});
 }
-
-TEST(MailboxPoller, ResetEmptiesBothMailboxes) {
-    Fixture f;
-    f.send("NOTES");
-    f.exit("1");
-    f.poller.reset();
-    EXPECT_EQ(f.voice(), "");
-    EXPECT_EQ(f.store.GetSetting(kFamilyApp, kExitSection, kExitKey), "0");
-}

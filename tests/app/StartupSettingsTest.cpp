@@ -1,6 +1,5 @@
 #include "TestSupport.h"
 #include "app/PasswordGate.h"
-#include "skin/ControlLine.h"
 #include "app/SkinChoice.h"
 #include "app/ThemeSwitches.h"
 #include "app/WindowPlacement.h"
@@ -36,20 +35,6 @@ struct Env {
 };
 
 } // namespace
-
-TEST(SkinBool, ReadsWordsAndNumbers) {
-    struct Row {
-        const char* text;
-        std::optional<bool> value;
-    };
-    const Row rows[] = {
-        {"True", true}, {"false", false},   {"TRUE", true},        {" True ", true},
-        {"1", true},    {"0", false},       {"-1", true},          {"0.0", false},
-        {"2.5", true},  {"", std::nullopt}, {"yes", std::nullopt}, {"1x", std::nullopt},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(parseSkinBool(r.text), r.value) << r.text;
-}
 
 TEST(WindowPlacement, PublishedRectangleOnlyWhileTheShellRuns) {
     const QRect work(0, 24, 1280, 776);
@@ -130,6 +115,4 @@ TEST(PasswordGate, FlagIsTheNinthFieldOverrideFirst) {
     EXPECT_FALSE(PasswordGate::isProtected(e.ini, "DEFAULT", 3, skn, ini)) << "no ninth field";
     EXPECT_FALSE(PasswordGate::isProtected(e.ini, "DEFAULT", 9, skn, ini)) << "no such line";
     EXPECT_TRUE(PasswordGate::isProtected(e.ini, "Notes", 1, skn, ini));
-    EXPECT_EQ(PasswordGate::keyName(7), "07");
-    EXPECT_EQ(PasswordGate::keyName(12), "12");
 }

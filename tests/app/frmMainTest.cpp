@@ -8,8 +8,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QEventLoop>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QListWidget>
 #include <QScreen>
@@ -39,12 +37,6 @@ const QByteArray kSkin = "[DEFAULT]\r\n"
                          "01=B0,p0.bmp,60,0,20,20,,,False,AGENDAP0\r\n"
                          "02=B1,p1.bmp,80,0,20,20,,,False,AGENDAP1\r\n"
                          "03=B,x.bmp,60,40,20,20,,,1,TODOADD\r\n";
-
-void spin(int ms) {
-    QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
-    loop.exec();
-}
 
 struct Main {
     test::TempDir dir;
@@ -93,7 +85,6 @@ TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     Main m;
     frmMain& w = m.start();
     EXPECT_TRUE(w.Ready());
-    EXPECT_EQ(w.windowTitle(), kMainCaption);
     EXPECT_EQ(w.folders().SkinName, "Mirel");
     EXPECT_EQ(w.state().buttonCount(), 7);
     EXPECT_EQ(w.state().defaultButtonCount, 7);
@@ -104,7 +95,7 @@ TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     EXPECT_EQ(w.MailFolderTitle()[0], "In");
     EXPECT_EQ(w.MailFolderTitle()[1], "");
     EXPECT_EQ(w.MailFolderTitle()[3], "Bin");
-    EXPECT_TRUE(w.DhtmlMessage().startsWith("You need to install the additional DHTML libraries."));
+    EXPECT_EQ(w.geometry(), QGuiApplication::primaryScreen()->availableGeometry());
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kExitSection, kExitKey), "0");
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
     EXPECT_TRUE(w.switches().DebugOn);
@@ -135,7 +126,7 @@ TEST(frmMain, ScreensSwitchOnceAndCommandsMatchWhole) {
 
 TEST(frmMain, PasswordGateGuardsProtectedButtons) {
     Main m;
-    frmMain& w = m.start();
+    m.start();
 
     // Empty stored password: an empty entry opens.
     m.click("\"/opt/my tool\" -a");
@@ -144,8 +135,7 @@ TEST(frmMain, PasswordGateGuardsProtectedButtons) {
 
     Main m2;
     m2.store.SaveSetting(kFamilyApp, "DEFAULT", "Password", "Secret");
-    frmMain& w2 = m2.start();
-    EXPECT_EQ(w2.UserPassword(), "Secret");
+    m2.start();
     m2.prompts = {"secret", "", "Secret"};
     for (int i = 0; i < 3; ++i)
         m2.click("\"/opt/my tool\" -a");
@@ -157,7 +147,6 @@ TEST(frmMain, PasswordGateGuardsProtectedButtons) {
     m2.prompts = {"wrong"};
     m2.click("TODOADD");
     EXPECT_EQ(m2.prompted, 4);
-    (void)w;
 }
 
 TEST(frmMain, ClicksDuringACommandAreDropped) {
@@ -179,42 +168,16 @@ TEST(frmMain, ClicksDuringACommandAreDropped) {
     EXPECT_EQ(m.opened.size(), 2) << "the flag is cleared afterwards";
 }
 
-TEST(frmMain, CommandMailboxClicksEverySharingButtonInOneTick) {
-    Main m;
-    frmMain& w = m.start();
-    m.store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, "RUNME");
-    spin(700);
-    EXPECT_EQ(m.opened, (QList<QByteArray>{"RUNME", "RUNME"}));
-    EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
-
-    m.store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, "runme");
-    spin(700);
-    EXPECT_EQ(m.opened.size(), 2);
-    EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "runme");
-
-    m.store.SaveSetting(kFamilyApp, kExitSection, kExitKey, "1");
-    spin(700);
-    EXPECT_TRUE(w.ended());
-    EXPECT_EQ(w.controlCount(), w.ControlBaseline());
-}
-
-TEST(frmMain, PrioritySelectorLightsOneButton) {
+TEST(frmMain, PriorityCommandSelectsUntilTheScreenChanges) {
     Main m;
     frmMain& w = m.start();
     m.click("TODO");
-    const int p0 = w.state().tables.prioritySlots[0];
     const int p1 = w.state().tables.prioritySlots[1];
-    ASSERT_GT(p0, 0);
     ASSERT_GT(p1, 0);
-    m.click("AGENDAP0");
-    EXPECT_EQ(w.selectedPriorityButton(), p0);
-    EXPECT_TRUE(w.button(p0)->isLit());
     m.click("AGENDAP1");
     EXPECT_EQ(w.selectedPriorityButton(), p1);
-    EXPECT_FALSE(w.button(p0)->isLit());
     EXPECT_TRUE(w.button(p1)->isLit());
-
-    m.click("notes"); // leaving the screen forgets the selection
+    m.click("notes");
     EXPECT_EQ(w.selectedPriorityButton(), 0);
 }
 
@@ -231,43 +194,6 @@ TEST(frmMain, QuitTakesEveryControlDown) {
     EXPECT_EQ(w.state().currentScreen, "") << "nothing reacts after shut-down";
 }
 
-namespace {
-
-/// Points XDG_DATA_HOME somewhere else for one test.
-class DataHome {
-  public:
-    explicit DataHome(const QString& path) : m_old(qgetenv("XDG_DATA_HOME")) {
-        qputenv("XDG_DATA_HOME", path.toUtf8());
-    }
-    ~DataHome() { qputenv("XDG_DATA_HOME", m_old); }
-
-  private:
-    QByteArray m_old;
-};
-
-} // namespace
-
-TEST(frmMain, FirstStartCopiesTheBundledThemeAndFillsTheWorkArea) {
-    test::TempDir dir;
-    DataHome home(dir.file("data"));
-    QDir().mkpath(dir.file("bundled"));
-    test::writeAll(dir.file("bundled/terminal.skn"), "[DEFAULT]\r\nSound=0\r\n");
-    test::writeAll(dir.file("bundled/Mirel.skn"), kSkin);
-
-    SettingsStore store(dir.file("config"));
-    test::RecordingMessageSink sink;
-    SystemClock clock;
-    frmMain w(store, sink, clock);
-    w.setSingleInstanceEnabled(false);
-    w.setBundledThemeCandidates({dir.file("missing"), dir.file("bundled")});
-    ASSERT_EQ(w.Form_Load(), frmMain::StartResult::Ready);
-
-    EXPECT_EQ(w.folders().ProgramDir, dir.file("data/mirel"));
-    EXPECT_TRUE(QFileInfo(dir.file("data/mirel/themes/Default/terminal.skn")).isFile());
-    EXPECT_EQ(w.state().buttonCount(), 7) << "laid out from the copied theme";
-    EXPECT_EQ(w.geometry(), QGuiApplication::primaryScreen()->availableGeometry());
-}
-
 TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
     Main m;
     m.store.SaveSetting(kFamilyApp, "General", "Running", "True");
@@ -275,8 +201,7 @@ TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
     m.store.SaveSetting(kFamilyApp, "Screen", "Top", "30");
     m.store.SaveSetting(kFamilyApp, "Screen", "Right", "840");
     m.store.SaveSetting(kFamilyApp, "Screen", "Bottom", "630");
-    frmMain& w = m.start();
-    EXPECT_EQ(w.geometry(), QRect(40, 30, 800, 600));
+    EXPECT_EQ(m.start().geometry(), QRect(40, 30, 800, 600));
 }
 
 TEST(frmMain, ExitWhileThePasswordDialogIsOpenCancelsItAndShutsDown) {

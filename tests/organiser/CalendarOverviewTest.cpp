@@ -47,40 +47,16 @@ TEST_F(CalendarOverviewTest, DayNotesByDayOfYear) {
     EXPECT_EQ(rows.size(), 1);
 }
 
-TEST_F(CalendarOverviewTest, EmptyOverviewHasFourHeadersAtZero) {
-    Overview ov(ctx);
-    OverviewTexts texts;
-    texts.calendar = "Calendar ";
-    texts.todo = "To do ";
-    texts.agenda = "Agenda ";
-    SortedList rows{false}, tasks;
-    ov.refresh(texts, AgendaLists{}, rows, tasks);
-    EXPECT_EQ(
-        rowsOf(rows),
-        (QList<std::pair<QByteArray, int>>{
-            {"  Agenda (0)", 1}, {"  Calendar (0)", 3}, {"E-Mail  (0)", 4}, {"  To do (0)", 7}}));
-}
-
 TEST_F(CalendarOverviewTest, OverviewSectionsCodesAndCounts) {
     clock.set(QDateTime(QDate(2006, 12, 30), QTime(10, 0)));
     CalendarBook cal(ctx);
     cal.dayLeft(1, 1, "", "New year"); // two days ahead, across the year
     cal.dayLeft(1, 9, "", "ten days"); // k = 10: not shown
     cal.dayLeft(12, 30, "", "today");
-    writeAll(data("agenda.ini"), "[AGENDA]\r\nID=1\r\n1=" +
-                                     encodeTriplets("000000000800\x01"
-                                                    "000000000900\x01"
-                                                    "Gym\x01"
-                                                    "1\x01"
-                                                    "2\x01"
-                                                    "1\x01"
-                                                    "0\x01"
-                                                    "0\x01"
-                                                    "0\x01"
-                                                    "0\x01"
-                                                    "0\x01"
-                                                    "0\x01") +
-                                     "\r\n");
+    // A weekly item on Mondays: start, end, text, kind, priority, seven day flags.
+    const QByteArray gym =
+        QByteArray("000000000800|000000000900|Gym|1|2|1|0|0|0|0|0|0|").replace('|', '\x01');
+    writeAll(data("agenda.ini"), "[AGENDA]\r\nID=1\r\n1=" + encodeTriplets(gym) + "\r\n");
     QDir().mkpath(folders.ProgramDir + "/Email/0");
     QDir().mkpath(folders.ProgramDir + "/Email/5");
     writeAll(data("Todo/20060101000000.tod"), "0\r\nzebra\r\n");

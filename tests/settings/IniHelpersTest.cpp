@@ -1,7 +1,7 @@
 #include "settings/IniHelpers.h"
 
-#include "platform/RuntimeError.h"
 #include "TestSupport.h"
+#include "platform/RuntimeError.h"
 
 #include <QDir>
 #include <QFile>
@@ -54,6 +54,7 @@ TEST_F(IniHelpersTest, LongValueIsCutToTheBuffer) {
     ASSERT_TRUE(ini.ReadIniKey("S", "k", file()));
     EXPECT_EQ(ini.IniValue.size(), 31999);
     ASSERT_TRUE(ini.WriteIniKey("S", "k", QByteArray(31999, 'y'), file()));
+    EXPECT_TRUE(ini.IniValue.isEmpty()); // a write empties the last value read
     ASSERT_TRUE(ini.ReadIniKey("S", "k", file()));
     EXPECT_EQ(ini.IniValue, QByteArray(31999, 'y'));
 }
@@ -66,12 +67,6 @@ TEST_F(IniHelpersTest, FailuresShowTheirMessageAndReadAsMissing) {
     EXPECT_EQ(sink.shown[0].text, "Error Retrieving Key");
     EXPECT_EQ(sink.shown[1].text, "Error Writing Key");
     EXPECT_EQ(sink.shown[0].title, "TORVEX Terminal");
-}
-
-TEST_F(IniHelpersTest, WriteEmptiesIniValue) {
-    ini.IniValue = "x";
-    EXPECT_TRUE(ini.WriteIniKey("S", "k", "v", file()));
-    EXPECT_TRUE(ini.IniValue.isEmpty());
 }
 
 TEST_F(IniHelpersTest, DeleteKeySectionAndFile) {

@@ -91,17 +91,24 @@ TEST(ControlLineTest, FieldsAndCommand) {
 }
 
 TEST(ControlLineTest, SkinBooleans) {
+    // Words and numbers; anything else is no answer, and the caller's fallback.
     struct Row {
         const char* text;
-        bool fallback;
-        bool expected;
+        std::optional<bool> value;
     };
-    const Row rows[] = {{"True", false, true},   {"TRUE", false, true}, {" false ", true, false},
-                        {"0", true, false},      {"-1", false, true},   {"1", false, true},
-                        {"", true, true},        {"", false, false},    {"maybe", true, true},
-                        {"maybe", false, false}, {"0.0", true, false}};
-    for (const Row& r : rows)
-        EXPECT_EQ(parseSkinBool(r.text, r.fallback), r.expected) << r.text;
+    const Row rows[] = {
+        {"True", true},       {"TRUE", true},
+        {" false ", false},   {"1", true},
+        {"0", false},         {"-1", true},
+        {"0.0", false},       {"2.5", true},
+        {"", std::nullopt},   {"maybe", std::nullopt},
+        {"1x", std::nullopt},
+    };
+    for (const Row& r : rows) {
+        EXPECT_EQ(parseSkinBool(r.text), r.value) << r.text;
+        for (bool fallback : {false, true})
+            EXPECT_EQ(parseSkinBool(r.text, fallback), r.value.value_or(fallback)) << r.text;
+    }
 }
 
 } // namespace

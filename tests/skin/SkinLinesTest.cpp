@@ -12,7 +12,7 @@ using namespace mirel::test;
 namespace {
 
 class SkinLinesTest : public ::testing::Test {
-  protected:
+protected:
     TempDir dir;
     RecordingMessageSink sink;
     SettingsStore store{dir.file("config")};
@@ -61,10 +61,7 @@ TEST_F(SkinLinesTest, SingleLineLooksAtTheOverrideFirst) {
     EXPECT_FALSE(lines.line("S", 4, skin).has_value());
 }
 
-TEST_F(SkinLinesTest, KeyNamesAndOverrideFile) {
-    EXPECT_EQ(SkinLines::keyName(1), "01");
-    EXPECT_EQ(SkinLines::keyName(42), "42");
-    EXPECT_EQ(SkinLines::keyName(100), "100");
+TEST_F(SkinLinesTest, OverrideFileNames) {
     EXPECT_EQ(SkinLines::overrideFileFor("/t/Mirel1024.skn"), "/t/Mirel1024.ini");
     EXPECT_EQ(SkinLines::overrideFileFor("/t/terminal.SKN"), "/t/terminal.ini");
     EXPECT_EQ(SkinLines::overrideFileFor("ab"), "ini");
@@ -73,7 +70,8 @@ TEST_F(SkinLinesTest, KeyNamesAndOverrideFile) {
 TEST_F(SkinLinesTest, ThreeDigitKeysContinueTheRun) {
     QByteArray text = "[S]\r\n";
     for (int i = 1; i <= 105; ++i)
-        text += SkinLines::keyName(i) + "=B,x" + QByteArray::number(i) + "\r\n";
+        text +=
+            QByteArray::number(i).rightJustified(2, '0') + "=B,x" + QByteArray::number(i) + "\r\n";
     writeAll(skin, text);
     const QList<NumberedLine> read = lines.read("S", skin);
     ASSERT_EQ(read.size(), 105);

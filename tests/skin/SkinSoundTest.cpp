@@ -13,7 +13,7 @@ using namespace mirel::test;
 namespace {
 
 class SkinSoundTest : public ::testing::Test {
-  protected:
+protected:
     TempDir dir;
     RecordingMessageSink sink;
     SettingsStore store{dir.file("config")};
@@ -80,8 +80,6 @@ TEST_F(SkinSoundTest, PlanHonoursSwitchesAndFiles) {
 
     EXPECT_FALSE(SkinSound::plan("click", false, off, theme)); // sound switched off
     EXPECT_FALSE(SkinSound::plan("empty", false, on, theme));  // zero bytes
-    EXPECT_FALSE(SkinSound::plan("nothere", false, on, theme));
-    EXPECT_FALSE(SkinSound::plan("", false, on, theme));
     EXPECT_FALSE(SkinSound::plan("  ", false, on, theme));
     // A folder is not a sound.
     QDir().mkpath(theme + "dir.wav");

@@ -39,27 +39,4 @@ TEST(SkinStateTest, RolesAndMailButtons) {
     EXPECT_EQ(s.button(21).keyNumber, 0);
 }
 
-TEST(SkinStateTest, RestoreReturnsToTheRecordedTables) {
-    SkinState s;
-    s.addButton({"/a.bmp", "h", "c", 1, "NOTES"});
-    s.tables.controls = 1;
-    s.record();
-    s.currentScreen = "Agenda";
-    s.addButton({"/b.bmp", "", "", 1, "AGENDAP0"});
-    s.assignRole(0, 2);
-    s.noteMailCommand("emailmove", 2);
-    s.tables.labels = 3;
-    s.tables.controls = 5;
-    s.selectedPriorityButton = 2;
-    s.restore();
-    EXPECT_EQ(s.buttonCount(), 1);
-    EXPECT_EQ(s.tables.prioritySlots[0], 0);
-    EXPECT_TRUE(s.tables.mailButtons.isEmpty());
-    EXPECT_EQ(s.tables.labels, 0);
-    EXPECT_EQ(s.tables.controls, 1);
-    EXPECT_EQ(s.selectedPriorityButton, 0);
-    EXPECT_TRUE(s.currentScreen.isEmpty());
-    EXPECT_EQ(s.button(1).command, "NOTES");
-}
-
 } // namespace

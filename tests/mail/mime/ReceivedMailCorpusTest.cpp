@@ -1,21 +1,14 @@
 // Real mail, stored and read back, against what Python's own parser reads
 // from the same files: the e-mail samples of Python's test suite and
 // messages the email package builds with known bodies and attachments.
-#include "TestSupport.h"
-#include "mail/mime/ReceivedMessageStore.h"
-#include "mail/store/DuplicateDetector.h"
-#include "mail/store/MailStore.h"
-#include "platform/SettingsStore.h"
-#include "settings/IniHelpers.h"
+#include "ReceivedMailFixture.h"
 
 #include <QCryptographicHash>
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <gtest/gtest.h>
 #include <map>
 
 using namespace mirel;
@@ -54,39 +47,18 @@ const std::map<QString, const char*> kPartsReadDifferently = {
     {"msg_39.txt", "an inner multipart reuses the boundary of its parent"},
 };
 
-struct Stored {
-    IndexRow index;
-    MessageRow message;
-    std::vector<AttachmentRow> attachments;
-};
-
-class ReceivedMailCorpusTest : public ::testing::Test {
-  protected:
-    TempDir dir;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0))};
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    MailStore store{dir.path(), clock, sink};
-    DuplicateDetector duplicates{ini, store.incomingRecordPath()};
-    ReceivedMessageStore received{store, duplicates};
-
-    void SetUp() override { store.MailStoreStartup(ini); }
-
-    Stored storeFile(const QString& path) {
+class ReceivedMailCorpusTest : public ReceivedMailFixture {
+protected:
+    Rows storeFile(const QString& path) {
         // Samples share Message-IDs and body openings: each starts from an
         // empty record so none is taken for a duplicate of another.
         QFile::remove(store.incomingRecordPath());
-        EXPECT_EQ(received.store(readAll(path), "0"), ReceivedMessageStore::Result::Stored);
-        const qint32 id = received.lastId();
-        return {store.readIndexRow("0", id).value_or(IndexRow{}),
-                store.readMessageRow("0", id).value_or(MessageRow{}),
-                store.readAttachments("0", id)};
+        return storeMail(readAll(path));
     }
 
     void compare(const QString& path, const QJsonObject& want) {
         const std::string file = text(want["file"]);
-        const Stored got = storeFile(path);
+        const Rows got = storeFile(path);
         const bool partsDiffer = kPartsReadDifferently.count(QString::fromStdString(file)) > 0;
         auto check = [&](const char* field, const auto& have, const auto& expected) {
             if (have != expected)

@@ -1,12 +1,6 @@
-#include "mail/mime/ReceivedMessageStore.h"
-#include "TestSupport.h"
-#include "mail/store/DuplicateDetector.h"
-#include "mail/store/MailStore.h"
-#include "platform/SettingsStore.h"
-#include "settings/IniHelpers.h"
+#include "ReceivedMailFixture.h"
 
 #include <QElapsedTimer>
-#include <gtest/gtest.h>
 
 using namespace mirel;
 using namespace mirel::test;
@@ -31,61 +25,21 @@ QByteArray part(const QByteArray& type, const QByteArray& body, const QByteArray
     return "Content-Type: " + type + "\r\n" + extra + "\r\n" + body;
 }
 
-class ReceivedMessageStoreTest : public ::testing::Test {
-  protected:
-    TempDir dir;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0))};
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    MailStore store{dir.path(), clock, sink};
-    DuplicateDetector duplicates{ini, store.incomingRecordPath()};
-    ReceivedMessageStore received{store, duplicates};
+using ReceivedMessageStoreTest = ReceivedMailFixture;
 
-    void SetUp() override { store.MailStoreStartup(ini); }
-
-    struct Rows {
-        IndexRow index;
-        MessageRow message;
-        std::vector<AttachmentRow> attachments;
-    };
-    Rows storeMail(const QByteArray& raw) {
-        EXPECT_EQ(received.store(raw, "0"), ReceivedMessageStore::Result::Stored);
-        const qint32 id = received.lastId();
-        return {store.readIndexRow("0", id).value_or(IndexRow{}),
-                store.readMessageRow("0", id).value_or(MessageRow{}),
-                store.readAttachments("0", id)};
-    }
-};
-
+// The ordinary walks (alternatives, attachments, two text parts, the closed
+// third level) are checked against Python's reading of the generated corpus;
+// these are corners that corpus does not build.
 TEST_F(ReceivedMessageStoreTest, WalkKeepsFirstBodiesAndStoresTheRestAsAttachments) {
-    const QByteArray alt =
-        multipart("alternative", "alt",
-                  {part("text/plain", "plain body"), part("text/html", "<p>html body</p>")});
     const struct {
         const char* name;
         QByteArray body; // everything after the common headers
-        QByteArray text, html;
+        QByteArray text;
         std::vector<AttachmentRow> attachments;
     } cases[] = {
-        {"single plain part", part("text/plain", "just text\r\n"), "just text\r\n", {}, {}},
-        {"alternative", alt, "plain body", "<p>html body</p>", {}},
-        {"alternative and a pdf, two levels",
-         multipart("mixed", "mix",
-                   {alt, part("application/pdf; name=\"r.pdf\"", "JVBERi0xLjQK",
-                              "Content-Transfer-Encoding: base64\r\n")}),
-         "plain body",
-         "<p>html body</p>",
-         {{"name=\"r.pdf\"", "%PDF-1.4\n"}}},
-        {"second text part is dropped",
-         multipart("mixed", "b", {part("text/plain", "first"), part("text/plain", "second")}),
-         "first",
-         {},
-         {}},
         {"an empty first text part leaves room for the next",
          multipart("mixed", "b", {part("text/plain", ""), part("text/plain", "second")}),
          "second",
-         {},
          {}},
         {"encoding names are compared with case",
          multipart(
@@ -94,36 +48,11 @@ TEST_F(ReceivedMessageStoreTest, WalkKeepsFirstBodiesAndStoresTheRestAsAttachmen
                    "Content-Transfer-Encoding: Base64\r\n"),
               part("text/plain", "caf=E9", "Content-Transfer-Encoding: Quoted-Printable\r\n")}),
          "caf=E9",
-         {},
          {{"name=\"raw.pdf\"", "JVBERi0xLjQK\r\n"}}},
-        {"quoted-printable is decoded",
-         part("text/plain; charset=iso-8859-1", "caf=E9 soft=\r\nbreak",
-              "Content-Transfer-Encoding: quoted-printable\r\n"),
-         "caf\xe9 softbreak",
-         {},
-         {}},
-        {"7bit image keeps its lines",
-         multipart("mixed", "b",
-                   {part("image/gif; name=\"a.gif\"", "GIF89a line\r\nline 2",
-                         "Content-Transfer-Encoding: 7bit\r\n")}),
-         {},
-         {},
-         {{"name=\"a.gif\"", "GIF89a line\r\nline 2"}}},
         {"part without parameters",
          multipart("mixed", "b", {part("application/octet-stream", "bytes")}),
          {},
-         {},
          {{"", "bytes"}}},
-        {"third level stays closed",
-         multipart(
-             "mixed", "l1",
-             {multipart("mixed", "l2",
-                        {part("text/plain", "level two"),
-                         multipart("alternative", "l3", {part("text/plain", "level three")})})}),
-         "level two",
-         {},
-         {{"boundary=\"l3\"",
-           "--l3\r\nContent-Type: text/plain\r\n\r\nlevel three\r\n--l3--\r\n"}}},
     };
     int n = 0;
     for (const auto& c : cases) {
@@ -131,7 +60,7 @@ TEST_F(ReceivedMessageStoreTest, WalkKeepsFirstBodiesAndStoresTheRestAsAttachmen
         const Rows r =
             storeMail(kHead + "Message-ID: <case" + QByteArray::number(++n) + "@x>\r\n" + c.body);
         EXPECT_EQ(r.message.text, c.text);
-        EXPECT_EQ(r.message.html, c.html);
+        EXPECT_TRUE(r.message.html.isEmpty());
         EXPECT_EQ(r.index.attachments, qint32(c.attachments.size()));
         ASSERT_EQ(r.attachments.size(), c.attachments.size());
         for (size_t i = 0; i < c.attachments.size(); ++i) {
@@ -148,18 +77,22 @@ TEST_F(ReceivedMessageStoreTest, IndexFieldsAndHeaderLinesAreKeptAsReceived) {
                            "Subject: " +
                            QByteArray(" ") + QByteArray(254, 'x') +
                            "   tail\r\n"
-                           "From:   \"D\xe9sir\xe9" "e\" <d@example.org>  \r\n"
+                           "From:   \"D\xe9sir\xe9"
+                           "e\" <d@example.org>  \r\n"
                            "Date: Sun, 22 Nov 2026 10:00:00 +0100  \r\n"
                            "Content-Transfer-Encoding: 8bit\r\n"
                            "\r\n"
-                           "Body in cp1252: \x93" "quoted\x94\r\n";
+                           "Body in cp1252: \x93"
+                           "quoted\x94\r\n";
     const Rows r = storeMail(raw);
     EXPECT_EQ(r.index.subject, QByteArray(254, 'x')); // cut to 255, then trimmed
-    EXPECT_EQ(r.index.from, QByteArray("\"D\xe9sir\xe9" "e\" <d@example.org>"));
+    EXPECT_EQ(r.index.from, QByteArray("\"D\xe9sir\xe9"
+                                       "e\" <d@example.org>"));
     EXPECT_EQ(r.index.date, QByteArray("Sun, 22 Nov 2026 10:00:00 +0100  "));
     EXPECT_EQ(r.index.to, QByteArray());
     EXPECT_EQ(r.index.realDate, clock.now());
-    EXPECT_EQ(r.message.text, QByteArray("Body in cp1252: \x93" "quoted\x94\r\n"));
+    EXPECT_EQ(r.message.text, QByteArray("Body in cp1252: \x93"
+                                         "quoted\x94\r\n"));
     // In the order written, Content-* lines among the others, folds joined.
     const QList<QByteArray> lines = r.message.headers.split('\n');
     ASSERT_EQ(lines.size(), 7);
@@ -175,10 +108,9 @@ TEST_F(ReceivedMessageStoreTest, TheSameMessageFetchedTwiceIsStoredOnce) {
     EXPECT_TRUE(received.StoreReceivedMessage(raw, "0"));
     EXPECT_FALSE(received.StoreReceivedMessage(raw, "0"));
     EXPECT_EQ(store.FillMessageIndexList("0").size(), 1u);
-    // Without an ID, the first 14 bytes of the body decide.
+    // Without an ID the body is what the record keys on.
     EXPECT_TRUE(received.StoreReceivedMessage(kHead + "\r\nThe same start, one", "0"));
     EXPECT_FALSE(received.StoreReceivedMessage(kHead + "\r\nThe same start, two", "0"));
-    EXPECT_EQ(store.FillMessageIndexList("0").size(), 2u);
 }
 
 TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
