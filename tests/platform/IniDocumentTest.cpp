@@ -178,8 +178,9 @@ TEST(IniDocument, SectionValuesAgreeWithLookups) {
     for (const char* k : {"a", "b", "c", "q", "zz"}) {
         const auto v = doc.value("S", k);
         EXPECT_EQ(all.contains(k), v.has_value()) << k;
-        if (v)
+        if (v) {
             EXPECT_EQ(all.value(k), *v) << k;
+        }
     }
 }
 
