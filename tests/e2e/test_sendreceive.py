@@ -4,6 +4,7 @@ written here with the standard library, an independent peer), stores the
 mail in folder "0", deletes it from the server, and leaves the window open
 with its status lines for a screenshot."""
 
+import ctypes
 import os
 import shutil
 import socket
@@ -92,6 +93,28 @@ class Pop3Server(socketserver.ThreadingTCPServer):
     allow_reuse_address = True
 
 
+def click(display, x, y):
+    """A real pointer click through the X test extension."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    xtst = ctypes.CDLL("libXtst.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
+    xtst.XTestFakeMotionEvent.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int,
+                                          ctypes.c_int, ctypes.c_ulong]
+    xtst.XTestFakeButtonEvent.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int,
+                                          ctypes.c_ulong]
+    x11.XFlush.argtypes = [ctypes.c_void_p]
+    x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+    dpy = x11.XOpenDisplay(display.encode())
+    xtst.XTestFakeMotionEvent(dpy, -1, x, y, 0)
+    x11.XFlush(dpy)
+    time.sleep(0.3)
+    xtst.XTestFakeButtonEvent(dpy, 1, 1, 0)
+    xtst.XTestFakeButtonEvent(dpy, 1, 0, 0)
+    x11.XFlush(dpy)
+    x11.XCloseDisplay(dpy)
+
+
 def triplets(text):
     return "".join("%03d" % b for b in text.encode("cp1252"))
 
@@ -156,11 +179,15 @@ class SendReceive(unittest.TestCase):
         s = self.s
         s.start()
         s.wait_for_log("Screen Overview")
+        # The shell's command mailbox clicks a button of the screen on show.
+        s.send("EMAIL")
+        s.wait_for_log("Screen Email")
         s.send("EMAILSENDRECEIVE")
         deadline = time.time() + 20
         while time.time() < deadline and len(self.inbox_subjects()) < 2:
             time.sleep(0.2)
-        self.assertEqual(self.inbox_subjects(), ["Lunch on Friday", "Minutes"])
+        shot = s.screenshot("sendreceive")
+        self.assertEqual(self.inbox_subjects(), ["Lunch on Friday", "Minutes"], s.debug_log())
         deadline = time.time() + 10
         while time.time() < deadline and self.box.messages:
             time.sleep(0.2)
@@ -170,6 +197,13 @@ class SendReceive(unittest.TestCase):
         self.assertTrue(os.path.getsize(shot) > 0)
         self.assertNotIn(PASSWORD, s.debug_log())
         self.assertIsNone(s.proc.poll(), "the program is still running")
+        # "OK" closes the window (placed at the centre of the 1280x800 main
+        # window, its button at 424,316 in the 540x360 skin).
+        click(self.x.display, 370 + 424 + 48, 220 + 316 + 15)
+        time.sleep(1)
+        s.screenshot("sendreceive-closed")
+        self.assertEqual(s.run("--quit").returncode, 0)
+        self.assertEqual(s.wait_exit(), 0)
 
 
 if __name__ == "__main__":
