@@ -252,13 +252,4 @@ TEST(SendReceiveSession, MissingSkinTextsLeaveBareLines) {
     EXPECT_EQ(joined(w.lines), joined({"DS1:  UFCA-A", "DS1: ", "DS1: ", "DS1: "}));
 }
 
-TEST(SendReceiveSession, ACompletionNobodyWaitsForIsShownNotFollowed) {
-    World w;
-    SendReceiveSession s(EmailAccountList({account("a", "pop", false)}), {}, skinTexts(), w);
-    s.open();
-    s.pop3Completed(0); // before the start timer fired: nothing is pending
-    EXPECT_EQ(joined(w.lines), "pvs: 0");
-    EXPECT_TRUE(w.actions.isEmpty());
-}
-
 } // namespace
