@@ -43,6 +43,10 @@ frmEmailSendReceive::frmEmailSendReceive(const LayoutEngine& engine, MailStore& 
     m_status->setAccessibleName(QStringLiteral("Status"));
     m_status->setFocusPolicy(Qt::NoFocus);
     m_status->setFrameShape(QFrame::NoFrame);
+    // Error lines carry the server's own words and can be long: they wrap
+    // rather than bring up a scroll bar the skin does not style.
+    m_status->setWordWrap(true);
+    m_status->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setPlaced(PlacedPart::MessageList, m_status);
     // Keeps the keyboard focus away from the list, where it would draw a
     // focus rectangle over the newest line.

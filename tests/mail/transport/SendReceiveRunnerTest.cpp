@@ -311,6 +311,15 @@ TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
     EXPECT_EQ(left[0].id, bad);
     EXPECT_EQ(smtp.messages().size(), 1);
     EXPECT_EQ(header(smtp.messages()[0], "Subject"), QStringLiteral("good"));
+
+    // A server that refuses the sender: the same, for the one left.
+    ScriptedServer refusing("220 hello\r\n", {"250 ok\r\n", "553 5.7.1 Sender refused\r\n"},
+                            ScriptedServer::Ending::HangUp);
+    const Outcome again =
+        run({record("Ann", "", "ann", "pw", false, local(refusing.port()), "ann@x.org", "Ann")});
+    ASSERT_TRUE(again.over);
+    EXPECT_TRUE(again.lines.at(1).startsWith("Outbox: Error ")) << again.text().constData();
+    EXPECT_EQ(store.FillMessageIndexList(MailStore::kOutbox).size(), 1u);
 }
 
 // 30 MB comes in whole; going out, it is more than the test server takes
