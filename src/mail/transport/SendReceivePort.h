@@ -35,7 +35,7 @@ public:
     virtual bool moveToSent(qint32 id) = 0;
 
     virtual void status(const QByteArray& line) = 0;
-    virtual void playSound(const QByteArray& spec) = 0;
+    virtual void playSound(const QByteArray& sound) = 0;
     virtual void log(const QByteArray& line) = 0;
     /// The session has nothing more to do (ended or frozen by an error).
     virtual void sessionOver() = 0;

@@ -52,7 +52,7 @@ public:
 
 Q_SIGNALS:
     void statusLine(const QByteArray& line);
-    void soundRequested(const QByteArray& spec);
+    void soundRequested(const QByteArray& sound);
     void over();
 
 private:
@@ -65,7 +65,7 @@ private:
     void markRead(qint32 id) override;
     bool moveToSent(qint32 id) override;
     void status(const QByteArray& line) override { Q_EMIT statusLine(line); }
-    void playSound(const QByteArray& spec) override { Q_EMIT soundRequested(spec); }
+    void playSound(const QByteArray& sound) override { Q_EMIT soundRequested(sound); }
     void log(const QByteArray& line) override;
     void sessionOver() override;
 

@@ -93,7 +93,7 @@ public:
         return true;
     }
     void status(const QByteArray& line) override { lines << line; }
-    void playSound(const QByteArray& spec) override { actions << "sound " + spec; }
+    void playSound(const QByteArray& sound) override { actions << "sound " + sound; }
     void log(const QByteArray&) override {}
     void sessionOver() override {
         EXPECT_FALSE(over) << "told twice that the session is over";
