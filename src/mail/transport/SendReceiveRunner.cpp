@@ -28,6 +28,13 @@ SendReceiveRunner::SendReceiveRunner(MailStore& store, IniHelpers& ini, const Cl
     connect(m_pop3.get(), &AsyncPop3Client::traced, this, [this](const QByteArray& t) { log(t); });
     connect(m_smtp.get(), &AsyncSmtpClient::traced, this, [this](const QByteArray& t) { log(t); });
 
+    // The size being transferred, once per transfer: the clients report
+    // progress many times a second, which would flood the log.
+    if (tracing)
+        connect(m_pop3.get(), &AsyncPop3Client::progress, this, [this](qint64, qint64 total) {
+            if (total > 0 && total != m_loggedTotal)
+                log(QByteArray::number(m_loggedTotal = total));
+        });
     connect(&m_startTimer, &QTimer::timeout, this, [this] {
         if (!m_closed)
             m_session->startTimerTick();

@@ -85,6 +85,7 @@ private:
     QTimer m_startTimer, m_stepTimer;
     bool m_closed = false;
     bool m_over = false;
+    qint64 m_loggedTotal = 0;
 };
 
 } // namespace mirel
