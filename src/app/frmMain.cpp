@@ -3,6 +3,7 @@
 #include "mail/store/MailStore.h"
 #include "mail/transport/AccountsFile.h"
 #include "mail/transport/frmEmailAccounts.h"
+#include "mail/transport/frmEmailSendReceive.h"
 #include "mail/view/EmailScreen.h"
 #include "organiser/OrganiserScreen.h"
 
@@ -339,6 +340,13 @@ void frmMain::dispatch(const QByteArray& command) {
         return;
     case Command::AgendaPriority:
         choosePriority(match.arg);
+        return;
+    case Command::EmailSendReceive:
+        if (m_mailStore && m_engine)
+            frmEmailSendReceive(*m_engine, *m_mailStore, m_clock, m_lstEmailAccounts, m_debug.get(),
+                                this)
+                .exec();
+        fillScreen(state().currentScreen); // new mail shows in the list and the overview
         return;
     case Command::Quit:
         ShutDown();

@@ -1,0 +1,374 @@
+// Whole send/receive runs against a real dovecot and a real aiosmtpd, with
+// the store in a temporary folder; scripted peers only for the faults a
+// real server will not produce on demand.
+#include "mail/transport/SendReceiveRunner.h"
+
+#include "TestSupport.h"
+#include "mail/store/MailStore.h"
+#include "platform/SettingsStore.h"
+#include "servers/DovecotServer.h"
+#include "servers/LoopbackPort.h"
+#include "servers/ScriptedServer.h"
+#include "servers/SmtpSinkServer.h"
+#include "settings/DebugLog.h"
+#include "settings/IniHelpers.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+void ensureApp() {
+    static int argc = 1;
+    static char name[] = "tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance())
+        new QCoreApplication(argc, argv);
+}
+
+QByteArray record(const char* name, const QByteArray& pop3, const char* user, const char* password,
+                  bool deleteFlag, const QByteArray& smtp, const char* address,
+                  const char* sender) {
+    return QByteArray("  ") + name + "|" + pop3 + "|" + user + "|" + password + "|" +
+           (deleteFlag ? "1" : "0") + "|0|" + smtp + "|" + address + "|" + sender + "|";
+}
+
+QByteArray local(int port) {
+    return "127.0.0.1:" + QByteArray::number(port);
+}
+
+QString header(const QJsonObject& msg, const char* name) {
+    for (const QJsonValue& h : msg[QStringLiteral("headers")].toArray()) {
+        const QJsonArray pair = h.toArray();
+        if (pair[0].toString().compare(QLatin1String(name), Qt::CaseInsensitive) == 0)
+            return pair[1].toString();
+    }
+    return {};
+}
+
+struct Outcome {
+    QList<QByteArray> lines;
+    bool over = false;
+    SendReceiveSession::Phase phase = SendReceiveSession::Phase::Receiving;
+    qint64 ms = 0;
+    int loopTurns = 0; // 20 ms timer ticks the event loop served meanwhile
+    QByteArray text() const { return lines.join('\n'); }
+};
+
+class SendReceiveRunnerTest : public ::testing::Test {
+protected:
+    TempDir dir;
+    SystemClock clock;
+    RecordingMessageSink sink;
+    SettingsStore settings{dir.file("config")};
+    IniHelpers ini{sink, settings};
+    MailStore store{dir.path(), clock, sink};
+    DebugLog debugLog{clock, dir.path(), true};
+    DovecotServer pop;
+    SmtpSinkServer smtp;
+
+    void SetUp() override {
+        ensureApp();
+        store.MailStoreStartup(ini);
+    }
+
+    SendReceiveTexts texts() {
+        SendReceiveTexts t;
+        t.signedIn = "Signed in:";
+        t.ready = "Ready";
+        t.noMessages = "No new messages";
+        t.stored = "New message";
+        t.done = "Done";
+        t.outbox = "Outbox";
+        t.sent = "Sent";
+        return t;
+    }
+
+    Outcome run(const QList<QByteArray>& accounts, int timeoutSeconds = 2) {
+        Outcome r;
+        SendReceiveRunner runner(store, ini, clock, EmailAccountList(accounts), texts(), &debugLog);
+        runner.setServerTuning([timeoutSeconds](MailServer& s) {
+            s.connectTimeoutSeconds = timeoutSeconds;
+            s.stallTimeoutSeconds = timeoutSeconds;
+        });
+        QEventLoop loop;
+        QObject::connect(&runner, &SendReceiveRunner::statusLine,
+                         [&](const QByteArray& l) { r.lines << l; });
+        QObject::connect(&runner, &SendReceiveRunner::over, &loop, [&] {
+            r.over = true;
+            loop.quit();
+        });
+        QTimer beat;
+        QObject::connect(&beat, &QTimer::timeout, [&] { ++r.loopTurns; });
+        beat.start(20);
+        QTimer::singleShot(120000, &loop, &QEventLoop::quit);
+        QElapsedTimer t;
+        t.start();
+        runner.open();
+        if (!r.over)
+            loop.exec();
+        r.ms = t.elapsed();
+        r.phase = runner.session()->phase();
+        return r;
+    }
+
+    qint32 storeOutbox(const QByteArray& from, const QByteArray& to, const QByteArray& subject,
+                       const QByteArray& headers, std::vector<AttachmentRow> attachments = {}) {
+        NewIndexFields f;
+        f.from = from;
+        f.to = to;
+        f.subject = subject;
+        f.date = "Sun, 22 Nov 2026 10:00:00 +0100";
+        MessageRow m;
+        m.text = "Plain caf\xE9\r\n";
+        m.html = "<p>Html <b>caf\xE9</b></p>";
+        m.headers = headers;
+        return *store.createMessage(MailStore::kOutbox, f, m, attachments);
+    }
+
+    size_t count(const QByteArray& folder) { return store.FillMessageIndexList(folder).size(); }
+};
+
+TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
+    pop.addUser("ann", "ann-pw");
+    pop.addUser("bob", "bob-pw");
+    pop.deliver("ann", "Message-ID: <1@x>\r\nSubject: one\r\nFrom: a@x\r\n\r\nfirst\r\n");
+    pop.deliver("ann", "Subject: two\r\nFrom: a@x\r\n\r\nsecond body\r\n");
+    ASSERT_TRUE(pop.start());
+    ASSERT_TRUE(smtp.start({}));
+
+    QByteArray binary;
+    for (int i = 0; i < 25000; ++i)
+        binary += char((i * 13) & 0xFF);
+    const qint32 id = storeOutbox(
+        "\"Ann\" <ann@x.org>", "bob@x.org, \"Lee, Jo\" <jo@x.org>", "Report",
+        "Cc: carl@x.org\r\nBcc: hidden@x.org\r\nX-Mailer: M\r\n", {{"data.bin", binary}});
+
+    const Outcome r = run({record("Ann", local(pop.port()), "ann", "ann-pw", true,
+                                  local(smtp.port()), "ann@x.org", "Ann"),
+                           record("Bob", local(pop.port()), "bob", "bob-pw", false,
+                                  local(smtp.port()), "bob@x.org", "Bob")});
+    ASSERT_TRUE(r.over);
+    EXPECT_EQ(r.text(),
+              QList<QByteArray>({"DS1: Signed in: UFCA-ANN", "DS1: Ready", "DS1: New message (1)",
+                                 "DS1: New message (2)", "DS1: Done", "DS2: Signed in: UFCA-BOB",
+                                 "DS2: Ready", "DS2: No new messages", "DS2: Done", "Outbox: Ready",
+                                 "Outbox: Sent (1)", "Outbox: Done"})
+                  .join('\n'));
+    EXPECT_EQ(r.phase, SendReceiveSession::Phase::Ended);
+
+    EXPECT_EQ(count(MailStore::kInbox), 2u);
+    EXPECT_EQ(pop.messagesOf("ann"), 0) << "delete flag on: the server keeps nothing";
+    EXPECT_EQ(count(MailStore::kOutbox), 0u);
+    const std::vector<IndexRow> sent = store.FillMessageIndexList(MailStore::kSent);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].readed, 1);
+
+    const QList<QJsonObject> got = smtp.messages();
+    ASSERT_EQ(got.size(), 1);
+    const QJsonObject& m = got[0];
+    EXPECT_EQ(header(m, "Subject"), QStringLiteral("Report"));
+    EXPECT_EQ(header(m, "From"), QStringLiteral("Ann <ann@x.org>"));
+    EXPECT_EQ(header(m, "Cc"), QStringLiteral("carl@x.org"));
+    EXPECT_EQ(header(m, "X-Mailer"), QStringLiteral("M"));
+    EXPECT_TRUE(header(m, "Bcc").isEmpty());
+    EXPECT_FALSE(smtp.raw(1).contains("hidden@")) << "blind copy visible in the message";
+    // The quoted comma became a space, so "Lee, Jo" stays one recipient.
+    EXPECT_EQ(m[QStringLiteral("rcpt_tos")].toVariant().toStringList(),
+              (QStringList{"bob@x.org", "jo@x.org", "carl@x.org", "hidden@x.org"}));
+    EXPECT_EQ(m[QStringLiteral("text")].toString().trimmed(), QStringLiteral("Plain café"));
+    EXPECT_TRUE(m[QStringLiteral("html")].toString().contains(QStringLiteral("<b>café</b>")));
+    const QJsonArray att = m[QStringLiteral("attachments")].toArray();
+    ASSERT_EQ(att.size(), 1);
+    EXPECT_EQ(att[0].toObject()[QStringLiteral("filename")].toString(), QStringLiteral("data.bin"));
+    EXPECT_EQ(
+        QByteArray::fromBase64(att[0].toObject()[QStringLiteral("data")].toString().toLatin1()),
+        binary);
+    Q_UNUSED(id);
+
+    const QByteArray log = readAll(debugLog.path());
+    EXPECT_FALSE(log.contains("ann-pw")) << "a password reached the debug log";
+    EXPECT_FALSE(log.contains("bob-pw"));
+}
+
+TEST_F(SendReceiveRunnerTest, MailLeftOnTheServerIsStoredOnce) {
+    pop.addUser("ann", "pw");
+    pop.deliver("ann", "Message-ID: <k1@x>\r\nSubject: kept\r\n\r\nbody\r\n");
+    pop.deliver("ann", "Subject: no id\r\n\r\nsame body every time\r\n");
+    ASSERT_TRUE(pop.start());
+    const QList<QByteArray> accounts = {
+        record("Ann", local(pop.port()), "ann", "pw", false, "", "ann@x.org", "Ann")};
+
+    const Outcome first = run(accounts);
+    EXPECT_TRUE(first.text().contains("DS1: New message (2)")) << first.text().constData();
+    const Outcome second = run(accounts);
+    EXPECT_FALSE(second.text().contains("New message")) << second.text().constData();
+    EXPECT_TRUE(second.text().endsWith("DS1: Done"));
+    EXPECT_EQ(count(MailStore::kInbox), 2u);
+    EXPECT_EQ(pop.messagesOf("ann"), 2);
+
+    // Switched to deleting: known messages are removed all the same.
+    QList<QByteArray> deleting = accounts;
+    deleting[0] = record("Ann", local(pop.port()), "ann", "pw", true, "", "ann@x.org", "Ann");
+    run(deleting);
+    EXPECT_EQ(pop.messagesOf("ann"), 0);
+    EXPECT_EQ(count(MailStore::kInbox), 2u);
+}
+
+// Each fault ends in an error line within the time limits, freezes the
+// session (the outbox is not sent) and loses nothing.
+TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
+    pop.addUser("ann", "pw");
+    pop.deliver("ann", "Subject: a\r\n\r\nx\r\n");
+    ASSERT_TRUE(pop.start());
+    const int closedPort = freeLoopbackPort();
+    storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "waiting", "");
+
+    const QByteArray greeting = "+OK ready\r\n";
+    const QList<QByteArray> login = {"+OK\r\nUSER\r\n.\r\n", "+OK\r\n", "+OK logged in\r\n"};
+    const QByteArray one = "+OK\r\nMessage-ID: <d1@x>\r\nSubject: one\r\n\r\nbody\r\n.\r\n";
+    ScriptedServer dropped(
+        greeting,
+        login + QList<QByteArray>{"+OK 2 100\r\n", one, "+OK\r\n", "+OK\r\nSubject: x\r\n\r\nhal"},
+        ScriptedServer::Ending::HangUp);
+    ScriptedServer silent(greeting, {}, ScriptedServer::Ending::Silence);
+    ScriptedServer garbled(greeting, login + QList<QByteArray>{"+OK lots\r\n"},
+                           ScriptedServer::Ending::HangUp);
+
+    struct Case {
+        const char* what;
+        QByteArray server;
+        const char* password;
+    } cases[] = {
+        {"wrong password", local(pop.port()), "nope"},
+        {"server not running", local(closedPort), "pw"},
+        {"line dropped in the second message", local(dropped.port()), "pw"},
+        {"server that never answers", local(silent.port()), "pw"},
+        {"malformed reply", local(garbled.port()), "pw"},
+    };
+    for (const Case& c : cases) {
+        const Outcome r = run({record("Ann", c.server, "ann", c.password, true, local(closedPort),
+                                      "ann@x.org", "Ann")});
+        ASSERT_TRUE(r.over) << c.what;
+        EXPECT_EQ(r.phase, SendReceiveSession::Phase::Frozen) << c.what;
+        EXPECT_TRUE(r.lines.last().startsWith("DS1: AsyncError: "))
+            << c.what << ": " << r.text().constData();
+        EXPECT_LT(r.ms, 8000) << c.what;
+        EXPECT_EQ(count(MailStore::kOutbox), 1u) << c.what;
+    }
+    EXPECT_EQ(pop.messagesOf("ann"), 1) << "nothing deleted after a failed log-in";
+    // The one message that came through whole was stored; its deletion was
+    // never committed, so the server still has it for the next run.
+    EXPECT_EQ(count(MailStore::kInbox), 1u);
+    QList<QByteArray> sentToDropped = dropped.received();
+    bool quit = false;
+    for (const QByteArray& l : sentToDropped)
+        quit = quit || l.startsWith("QUIT");
+    EXPECT_FALSE(quit);
+    EXPECT_FALSE(readAll(debugLog.path()).contains("nope"));
+}
+
+// "OK" while the server keeps the session waiting: closing aborts the
+// action instead of waiting for the time-out.
+TEST_F(SendReceiveRunnerTest, ClosingDuringAHangReturnsAtOnce) {
+    ScriptedServer silent("+OK ready\r\n", {}, ScriptedServer::Ending::Silence);
+    SendReceiveRunner runner(store, ini, clock,
+                             EmailAccountList({record("Ann", local(silent.port()), "ann", "pw",
+                                                      true, "", "ann@x.org", "Ann")}),
+                             texts());
+    runner.open();
+    QEventLoop loop;
+    QTimer::singleShot(500, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_FALSE(runner.isOver());
+    QElapsedTimer t;
+    t.start();
+    runner.close();
+    EXPECT_LT(t.elapsed(), 3000);
+}
+
+TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
+    SmtpSinkServer::Options o;
+    o.reject = "refused";
+    ASSERT_TRUE(smtp.start(o));
+    const qint32 bad = storeOutbox("\"Ann\" <ann@x.org>", "refused@x.org", "bad", "");
+    storeOutbox("\"Ann\" <ann@x.org>", "ok@x.org", "good", "");
+    const Outcome r =
+        run({record("Ann", "", "ann", "pw", false, local(smtp.port()), "ann@x.org", "Ann")});
+    ASSERT_TRUE(r.over);
+    EXPECT_TRUE(r.lines.at(1).startsWith("Outbox: Error ")) << r.text().constData();
+    EXPECT_TRUE(r.text().endsWith("Outbox: Sent (2)\nOutbox: Done"));
+    const std::vector<IndexRow> left = store.FillMessageIndexList(MailStore::kOutbox);
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].id, bad);
+    EXPECT_EQ(smtp.messages().size(), 1);
+    EXPECT_EQ(header(smtp.messages()[0], "Subject"), QStringLiteral("good"));
+
+    // A server that refuses the sender: the same, for the one left.
+    ScriptedServer refusing("220 hello\r\n", {"250 ok\r\n", "553 5.7.1 Sender refused\r\n"},
+                            ScriptedServer::Ending::HangUp);
+    const Outcome again =
+        run({record("Ann", "", "ann", "pw", false, local(refusing.port()), "ann@x.org", "Ann")});
+    ASSERT_TRUE(again.over);
+    EXPECT_TRUE(again.lines.at(1).startsWith("Outbox: Error ")) << again.text().constData();
+    EXPECT_EQ(store.FillMessageIndexList(MailStore::kOutbox).size(), 1u);
+}
+
+// 30 MB comes in whole; going out, it is more than the test server takes
+// (its limit is 32 MiB after base64), which must cost nothing but an error
+// line, while 20 MB goes out byte for byte.
+TEST_F(SendReceiveRunnerTest, LargeMessagesInAndOutKeepTheLoopTurning) {
+    pop.addUser("ann", "pw");
+    QByteArray big = "Subject: big\r\nContent-Type: text/plain\r\n\r\n";
+    const QByteArray line = QByteArray(76, 'x') + "\r\n";
+    while (big.size() < 30 * 1024 * 1024)
+        big += line;
+    pop.deliver("ann", big);
+    ASSERT_TRUE(pop.start());
+    ASSERT_TRUE(smtp.start({}));
+    QByteArray payload(30 * 1024 * 1024, '\0');
+    for (int i = 0; i < payload.size(); ++i)
+        payload[i] = char((i * 31) >> 3);
+    const qint32 tooBig =
+        storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "too big", "", {{"big.bin", payload}});
+    payload.truncate(20 * 1024 * 1024);
+    storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "big", "", {{"big.bin", payload}});
+
+    const Outcome r = run({record("Ann", local(pop.port()), "ann", "pw", true, local(smtp.port()),
+                                  "ann@x.org", "Ann")},
+                          30);
+    ASSERT_TRUE(r.over);
+    EXPECT_EQ(r.phase, SendReceiveSession::Phase::Ended) << r.text().constData();
+    EXPECT_EQ(count(MailStore::kInbox), 1u);
+    const std::optional<MessageRow> row = store.readMessageRow(
+        MailStore::kInbox, store.FillMessageIndexList(MailStore::kInbox)[0].id);
+    ASSERT_TRUE(row);
+    EXPECT_EQ(row->text.size(), big.size() - big.indexOf("\r\n\r\n") - 4);
+
+    EXPECT_TRUE(r.lines.at(5).startsWith("Outbox: Error ")) << r.text().constData();
+    const std::vector<IndexRow> left = store.FillMessageIndexList(MailStore::kOutbox);
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].id, tooBig);
+    ASSERT_EQ(smtp.messages().size(), 1) << r.text().constData();
+    EXPECT_EQ(QByteArray::fromBase64(smtp.messages()[0][QStringLiteral("attachments")]
+                                         .toArray()[0]
+                                         .toObject()[QStringLiteral("data")]
+                                         .toString()
+                                         .toLatin1()),
+              payload);
+    // The network and the store ran while the loop kept serving its timer:
+    // at least a tick per 100 ms of the run.
+    EXPECT_GT(r.loopTurns, int(r.ms / 100)) << r.ms << " ms, " << r.loopTurns << " turns";
+    RecordProperty("run_ms", int(r.ms));
+    RecordProperty("loop_turns", r.loopTurns);
+}
+
+} // namespace

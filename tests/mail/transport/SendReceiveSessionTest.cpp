@@ -1,0 +1,255 @@
+#include "mail/transport/SendReceiveSession.h"
+
+#include <QStringList>
+#include <deque>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+
+namespace {
+
+QByteArray account(const char* name, const char* pop3, bool deleteFlag, const char* smtp = "smtp.x",
+                   const char* address = "a@x", const char* sender = "Ann") {
+    return QByteArray("  ") + name + "|" + pop3 + "|user|secret|" + (deleteFlag ? "1" : "0") +
+           "|0|" + smtp + "|" + address + "|" + sender + "|";
+}
+
+SendReceiveTexts skinTexts() {
+    SendReceiveTexts t;
+    t.signedIn = "In";
+    t.ready = "Ready";
+    t.noMessages = "None";
+    t.stored = "New";
+    t.done = "Done";
+    t.outbox = "Outbox";
+    t.sent = "Sent";
+    t.incomingSound = "in";
+    t.outgoingSound = "out";
+    return t;
+}
+
+/// Records what the session asks for and plays the servers' part: each
+/// mailbox is a list of store outcomes, one per message on the server.
+class World : public SendReceivePort {
+public:
+    std::map<QByteArray, std::vector<Stored>> mailboxes; // by host
+    // POP3 failure: the n-th POP3 action started (1-based) fails.
+    int failPop3At = 0;
+    // SMTP: ids whose send fails, and ids that cannot even be read.
+    std::set<qint32> smtpRefuses, unreadable;
+
+    QList<QByteArray> lines;   // status lines
+    QList<QByteArray> actions; // everything else, in order
+    bool over = false;
+
+    void run(SendReceiveSession& s) {
+        s.open();
+        for (int guard = 0; guard < 1000; ++guard) {
+            if (m_startTimer) {
+                m_startTimer = false;
+                s.startTimerTick();
+            } else if (m_stepTimer) {
+                m_stepTimer = false;
+                s.stepTimerTick();
+            } else if (m_pop3Action) {
+                const int a = std::exchange(m_pop3Action, 0);
+                if (++m_pop3Count == failPop3At)
+                    s.pop3Failed(7, "Connection refused");
+                else
+                    s.pop3Completed(a == 3 ? int(mailboxes[m_host].size()) : 0);
+            } else if (m_sending) {
+                const qint32 id = std::exchange(m_sending, 0);
+                if (smtpRefuses.count(id))
+                    s.smtpFailed(550, "Recipient refused");
+                else
+                    s.smtpSent();
+            } else {
+                return;
+            }
+        }
+        FAIL() << "the session never settled";
+    }
+
+    void startPop3(int action, const MailServer& server, int n) override {
+        actions << "pop3 " + QByteArray::number(action) + " " + server.host + ":" +
+                       QByteArray::number(server.port) + " #" + QByteArray::number(n);
+        m_host = server.host;
+        m_message = n;
+        m_pop3Action = action;
+    }
+    void startStartTimer() override { m_startTimer = true; }
+    void startStepTimer() override { m_stepTimer = true; }
+    Stored storeFetched() override { return mailboxes[m_host].at(m_message - 1); }
+    TransportError startSend(qint32 id, const MailServer& server) override {
+        actions << "send " + QByteArray::number(id) + " via " + server.host;
+        if (unreadable.count(id))
+            return {-1, "unreadable"};
+        m_sending = id;
+        return {};
+    }
+    void markRead(qint32 id) override { actions << "read " + QByteArray::number(id); }
+    bool moveToSent(qint32 id) override {
+        actions << "move " + QByteArray::number(id);
+        return true;
+    }
+    void status(const QByteArray& line) override { lines << line; }
+    void playSound(const QByteArray& sound) override { actions << "sound " + sound; }
+    void log(const QByteArray&) override {}
+    void sessionOver() override {
+        EXPECT_FALSE(over) << "told twice that the session is over";
+        over = true;
+    }
+
+private:
+    bool m_startTimer = false, m_stepTimer = false;
+    int m_pop3Action = 0, m_pop3Count = 0, m_message = 0;
+    qint32 m_sending = 0;
+    QByteArray m_host;
+};
+
+std::string joined(const QList<QByteArray>& l) {
+    return l.join("\n").toStdString();
+}
+
+using S = SendReceivePort::Stored;
+
+TEST(SendReceiveSession, ServesEveryAccountThenSendsTheOutbox) {
+    World w;
+    w.mailboxes["pop.a"] = {S::New, S::Known, S::New};
+    w.mailboxes["pop.b"] = {};
+    EmailAccountList accounts({account("home", "pop.a:995", true, "smtp.a", "a@x", "Ann"),
+                               account("empty", "pop.b", false, "smtp.b", "b@x", "Bob")});
+    SendReceiveSession s(accounts, {"\"Bob\" <b@x>|4", "\"Nobody\" <n@x>|9"}, skinTexts(), w);
+    w.run(s);
+
+    EXPECT_EQ(
+        joined(w.lines),
+        joined({"DS1: In UFCA-HOME", "DS1: Ready", "DS1: New (1)", "DS1: New (2)", "DS1: Done",
+                "DS2: In UFCA-EMPTY", "DS2: Ready", "DS2: None", "DS2: Done", "Outbox: Ready",
+                "Outbox: Sent (1)", "Outbox: Done", "Outbox: Sent (2)", "Outbox: Done"}));
+    // Every message is deleted after it was taken, the known one included;
+    // the empty mailbox is logged out at once; the unmatched sender goes out
+    // through the last account.
+    EXPECT_EQ(
+        joined(w.actions),
+        joined({"pop3 3 pop.a:995 #0", "sound in", "pop3 13 pop.a:995 #1", "pop3 10 pop.a:995 #1",
+                "pop3 13 pop.a:995 #2", "pop3 10 pop.a:995 #2", "pop3 13 pop.a:995 #3",
+                "pop3 10 pop.a:995 #3", "pop3 8 pop.a:995 #3", "pop3 3 pop.b:110 #0",
+                "pop3 8 pop.b:110 #0", "sound out", "send 4 via smtp.b", "read 4", "move 4",
+                "send 9 via smtp.b", "read 9", "move 9"}));
+    EXPECT_TRUE(w.over);
+    EXPECT_EQ(s.phase(), SendReceiveSession::Phase::Ended);
+}
+
+TEST(SendReceiveSession, DeletesOnlyWhatTheStoreTookOrKnew) {
+    struct Case {
+        bool deleteFlag;
+        std::vector<S> outcomes;
+        QList<QByteArray> expected; // POP3 actions after the connect
+    };
+    const Case cases[] = {
+        {false, {S::New, S::Known}, {"13 #1", "13 #2", "8 #2"}},
+        {true, {S::Known, S::New}, {"13 #1", "10 #1", "13 #2", "10 #2", "8 #2"}},
+        // A message the store refused stays on the server; the rest go on.
+        {true, {S::Failed, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}},
+        {true, {S::New, S::Failed}, {"13 #1", "10 #1", "13 #2", "8 #2"}},
+    };
+    for (const Case& c : cases) {
+        World w;
+        w.mailboxes["pop"] = c.outcomes;
+        SendReceiveSession s(EmailAccountList({account("a", "pop", c.deleteFlag)}), {}, skinTexts(),
+                             w);
+        w.run(s);
+        QList<QByteArray> pop3;
+        for (const QByteArray& a : w.actions)
+            if (a.startsWith("pop3 ") && !a.startsWith("pop3 3 "))
+                pop3 << a.mid(5).replace(" pop:110", "");
+        EXPECT_EQ(joined(pop3), joined(c.expected)) << "delete " << c.deleteFlag;
+        EXPECT_TRUE(w.over);
+    }
+}
+
+TEST(SendReceiveSession, APop3ErrorFreezesTheSession) {
+    // The n-th POP3 action fails: log-in, a fetch, a delete, the log-out.
+    for (int failAt : {1, 2, 3, 4}) {
+        World w;
+        w.mailboxes["pop"] = {S::New};
+        w.failPop3At = failAt;
+        SendReceiveSession s(
+            EmailAccountList({account("a", "pop", true), account("b", "pop2", true)}),
+            {"\"Ann\" <a@x>|1"}, skinTexts(), w);
+        w.run(s);
+        EXPECT_EQ(w.lines.last(), "DS1: AsyncError: Connection refused(7)") << failAt;
+        EXPECT_EQ(s.phase(), SendReceiveSession::Phase::Frozen);
+        EXPECT_TRUE(w.over);
+        for (const QByteArray& a : w.actions) {
+            EXPECT_FALSE(a.contains("pop2")) << "second account served after an error";
+            EXPECT_FALSE(a.startsWith("send")) << "outbox sent after an error";
+        }
+        // Late events change nothing.
+        const qsizetype before = w.lines.size() + w.actions.size();
+        s.pop3Completed(3);
+        s.stepTimerTick();
+        s.startTimerTick();
+        EXPECT_EQ(w.lines.size() + w.actions.size(), before);
+    }
+}
+
+TEST(SendReceiveSession, AccountsWithoutAPop3ServerEndTheReceivePhase) {
+    struct Case {
+        QList<QByteArray> accounts;
+        QByteArray expectedPop3; // hosts connected, in order
+        bool sends;
+    };
+    const Case cases[] = {
+        {{}, "", false}, // no account: over at once, nothing sent
+        {{account("a", "", false)}, "", true},
+        {{account("a", "p1", false), account("b", "", false), account("c", "p3", false)},
+         "p1",
+         true},
+    };
+    for (const Case& c : cases) {
+        World w;
+        SendReceiveSession s(EmailAccountList(c.accounts), {"\"Ann\" <a@x>|1"}, skinTexts(), w);
+        w.run(s);
+        QByteArray hosts;
+        bool sent = false;
+        for (const QByteArray& a : w.actions) {
+            if (a.startsWith("pop3 3 "))
+                hosts += a.mid(7, a.indexOf(':') - 7);
+            sent = sent || a.startsWith("send");
+        }
+        EXPECT_EQ(hosts, c.expectedPop3);
+        EXPECT_EQ(sent, c.sends);
+        EXPECT_TRUE(w.over);
+    }
+}
+
+TEST(SendReceiveSession, ARefusedMessageStaysInTheOutboxAndTheNextGoesOut) {
+    World w;
+    w.smtpRefuses = {5};
+    w.unreadable = {6};
+    SendReceiveSession s(EmailAccountList({account("a", "", false)}),
+                         {"\"Ann\" <a@x>|5", "\"Ann\" <a@x>|6", "\"Ann\" <a@x>|7"}, skinTexts(), w);
+    w.run(s);
+    EXPECT_EQ(joined(w.lines),
+              joined({"Outbox: Ready", "Outbox: Error 550 - Recipient refused", "Outbox: Sent (1)",
+                      "Outbox: Ready", "Outbox: Error -1 - unreadable", "Outbox: Sent (2)",
+                      "Outbox: Ready", "Outbox: Sent (3)", "Outbox: Done"}));
+    QList<QByteArray> moves;
+    for (const QByteArray& a : w.actions)
+        if (a.startsWith("move"))
+            moves << a;
+    EXPECT_EQ(joined(moves), "move 7");
+    EXPECT_EQ(s.phase(), SendReceiveSession::Phase::Ended);
+}
+
+TEST(SendReceiveSession, MissingSkinTextsLeaveBareLines) {
+    World w;
+    w.mailboxes["pop"] = {};
+    SendReceiveSession s(EmailAccountList({account("a", "pop", false)}), {}, {}, w);
+    w.run(s);
+    EXPECT_EQ(joined(w.lines), joined({"DS1:  UFCA-A", "DS1: ", "DS1: ", "DS1: "}));
+}
+
+} // namespace
