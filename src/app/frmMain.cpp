@@ -245,12 +245,22 @@ void frmMain::agendaPriorityChosen(int priority) {
 void frmMain::pollMailboxes() {
     if (m_ended || m_exitPending)
         return;
+    // The clicks run after this tick has returned, one after another: a
+    // command that opens a modal dialog must not hold up the timer, or an
+    // exit request would wait until the dialog is closed by hand.
+    QList<int> clicks;
     MailboxPoller::Buttons buttons{
         [this] { return state().buttonCount(); },
         [this](int i) { return state().button(i).command; },
-        [this](int i) { ClickButton(i); },
+        [&clicks](int i) { clicks.append(i); },
     };
-    if (m_poller.poll(m_ready, buttons) != MailboxPoller::Outcome::ShutDown)
+    const MailboxPoller::Outcome outcome = m_poller.poll(m_ready, buttons);
+    if (!clicks.isEmpty())
+        QTimer::singleShot(0, this, [this, clicks] {
+            for (int i : clicks)
+                ClickButton(i);
+        });
+    if (outcome != MailboxPoller::Outcome::ShutDown)
         return;
     m_mailboxTimer.stop();
     if (m_starting || m_busy.busy()) {
