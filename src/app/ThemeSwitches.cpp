@@ -1,20 +1,16 @@
 #include "app/ThemeSwitches.h"
 
-#include "skin/ControlLine.h"
-#include "settings/CommaList.h"
 #include "settings/IniHelpers.h"
-
-#include <algorithm>
+#include "skin/AnimationSwitches.h"
+#include "skin/ControlLine.h"
 
 namespace mirel {
 
 void ThemeSwitches::readAnimation(IniHelpers& ini, const QString& terminalSkn) {
-    if (ini.ReadIniKey("DEFAULT", "Animated", terminalSkn)) {
-        if (const auto on = parseSkinBool(ini.IniValue))
-            Animated = *on;
-    }
-    if (ini.ReadIniKey("DEFAULT", "AnimDelay", terminalSkn))
-        AnimDelay = int(std::clamp<long>(leadingNumber(ini.IniValue), 0, kMaxAnimDelay));
+    AnimationSwitches a{Animated, AnimDelay};
+    a.read(ini, "DEFAULT", terminalSkn);
+    Animated = a.animated;
+    AnimDelay = a.delay;
 }
 
 void ThemeSwitches::read(IniHelpers& ini, const QString& terminalSkn) {

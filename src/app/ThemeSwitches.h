@@ -1,4 +1,6 @@
 #pragma once
+#include "skin/AnimationSwitches.h"
+
 #include <QString>
 
 namespace mirel {
@@ -13,8 +15,7 @@ struct ThemeSwitches {
     int AnimDelay = 0;
     bool DebugOn = false;
 
-    /// A theme cannot stall the window for longer than this per control.
-    static constexpr int kMaxAnimDelay = 5000;
+    static constexpr int kMaxAnimDelay = AnimationSwitches::kMaxDelay;
 
     /// Applies "Animated", "AnimDelay" and "Debug" from terminalSkn.
     void read(IniHelpers& ini, const QString& terminalSkn);

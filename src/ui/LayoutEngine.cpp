@@ -1,5 +1,7 @@
 #include "ui/LayoutEngine.h"
 
+#include "skin/AnimationSwitches.h"
+
 #include "platform/Cp1252.h"
 #include "platform/PathResolver.h"
 #include "settings/CommaList.h"
@@ -110,10 +112,10 @@ QByteArray specialKey(const QByteArray& name) {
 } // namespace
 
 void LayoutEngine::readAnimation(const QByteArray& section, const QString& file) {
-    if (m_ctx.ini.ReadIniKey(section, "Animated", file))
-        m_ctx.animated = parseSkinBool(m_ctx.ini.IniValue, m_ctx.animated);
-    if (m_ctx.ini.ReadIniKey(section, "AnimDelay", file))
-        m_ctx.animDelay = int(qBound(0L, leadingNumber(m_ctx.ini.IniValue), 60000L));
+    AnimationSwitches a{m_ctx.animated, m_ctx.animDelay};
+    a.read(m_ctx.ini, section, file);
+    m_ctx.animated = a.animated;
+    m_ctx.animDelay = a.delay;
 }
 
 bool LayoutEngine::pause(SkinHost* host) {
