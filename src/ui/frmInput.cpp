@@ -6,17 +6,11 @@
 #include "settings/IniHelpers.h"
 #include "skin/Placement.h"
 #include "ui/LayoutEngine.h"
-#include "ui/ShapeWindow.h"
 #include "ui/SoundPlayer.h"
 
-#include <QCloseEvent>
-#include <QEventLoop>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QProcess>
 #include <QProxyStyle>
-#include <QScreen>
 
 namespace mirel {
 namespace {
@@ -26,7 +20,7 @@ const QByteArray kSection = QByteArrayLiteral("INPUT");
 // Password fields of the skins show "#" for every character rather than the
 // style's bullet.
 class HashEchoStyle : public QProxyStyle {
-  public:
+public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* ret) const override {
         if (hint == SH_LineEdit_PasswordCharacter)
@@ -35,27 +29,12 @@ class HashEchoStyle : public QProxyStyle {
     }
 };
 
-void runDetached(const QByteArray& command, const QString& workingDir) {
-    QStringList args = QProcess::splitCommand(Cp1252::toUnicode(command));
-    if (args.isEmpty())
-        return;
-    const QString program = args.takeFirst();
-    QProcess::startDetached(program, args, workingDir);
-}
-
 } // namespace
 
 frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* parent)
-    : SkinHost(parent, Qt::Dialog | Qt::FramelessWindowHint),
-      m_engine(std::make_unique<LayoutEngine>(engine.context())), m_input(new QLineEdit(this)) {
-    const SkinContext& ctx = m_engine->context();
-    const QString skin = ctx.folders.themeFile(QStringLiteral("terminal.skn"));
-    setSoundPlayer(ctx.sounds);
-    setWindowTitle(passwordMode ? QStringLiteral("Password") : QStringLiteral("Input"));
-    setAccessibleName(windowTitle());
-    setAttribute(Qt::WA_DeleteOnClose, false);
-    m_run = [dir = ctx.folders.ProgramDir](const QByteArray& c) { runDetached(c, dir); };
-
+    : SkinDialog(engine, kSection,
+                 passwordMode ? QStringLiteral("Password") : QStringLiteral("Input"), parent),
+      m_input(new QLineEdit(this)) {
     m_input->setObjectName(QStringLiteral("txtInput"));
     m_input->setAccessibleName(windowTitle());
     if (passwordMode) {
@@ -67,28 +46,21 @@ frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* paren
     m_input->installEventFilter(this);
     watchHover(m_input);
 
-    QImage background;
-    if (ctx.ini.ReadIniKey(kSection, "BackGround", skin) && !ctx.ini.IniValue.isEmpty())
-        background = QImage(ctx.folders.themeFile(Cp1252::toUnicode(ctx.ini.IniValue)));
-    QRgb mask = qRgb(255, 0, 255);
-    if (ctx.ini.ReadIniKey(kSection, "MaskColor", skin)) {
-        const Rgb c = parseRgb(ctx.ini.IniValue);
-        mask = qRgb(c.r, c.g, c.b);
-    }
-    resize(background.isNull() ? QSize(320, 120) : background.size());
-    if (ctx.ini.ReadIniKey(kSection, "InputBox", skin))
-        applyInputBox(ctx.ini.IniValue);
+    layOut(QSize(320, 120));
+    IniHelpers& ini = context().ini;
+    if (ini.ReadIniKey(kSection, "InputBox", skinFile()))
+        applyInputBox(ini.IniValue);
     else
         m_input->setGeometry(10, 10, width() - 20, 24);
-
-    m_engine->readAnimation("STARTUP", skin);
-    m_engine->LayoutSection(*this, kSection, skin);
-    ShapeWindow(this, background, mask);
     m_input->raise();
-    startHoverTimer();
+    shapeAndHover();
 }
 
 frmInput::~frmInput() = default;
+
+void frmInput::onShown() {
+    m_input->setFocus();
+}
 
 void frmInput::applyInputBox(const QByteArray& value) {
     const QList<QByteArray> f = splitCommaList(value);
@@ -113,32 +85,9 @@ void frmInput::applyInputBox(const QByteArray& value) {
     m_input->setFont(font);
 }
 
-void frmInput::exec() {
-    setWindowModality(Qt::ApplicationModal);
-    if (QWidget* p = parentWidget())
-        move(p->mapToGlobal(p->rect().center()) - rect().center());
-    else if (QScreen* s = QGuiApplication::primaryScreen())
-        move(s->availableGeometry().center() - rect().center());
-    show();
-    m_input->setFocus();
-    QEventLoop loop;
-    m_loop = &loop;
-    if (isVisible())
-        loop.exec();
-    m_loop = nullptr;
-}
-
 void frmInput::confirm() {
     m_result = Cp1252::fromUnicode(m_input->text());
     finish();
-}
-
-void frmInput::finish() {
-    state().closing = true;
-    hoverTimer().stop();
-    hide();
-    if (m_loop)
-        m_loop->quit();
 }
 
 void frmInput::buttonClicked(int index) {
@@ -150,13 +99,8 @@ void frmInput::buttonClicked(int index) {
         confirm();
     else if (command == "QUIT")
         finish();
-    else if (m_run)
-        m_run(b.command);
-}
-
-void frmInput::closeEvent(QCloseEvent* event) {
-    finish();
-    event->accept();
+    else
+        startProgram(b.command);
 }
 
 bool frmInput::eventFilter(QObject* watched, QEvent* event) {

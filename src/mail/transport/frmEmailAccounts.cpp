@@ -3,24 +3,17 @@
 #include "mail/transport/AccountsFile.h"
 #include "platform/Cp1252.h"
 #include "platform/MessageSink.h"
-#include "settings/CommaList.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
 #include "ui/LayoutEngine.h"
-#include "ui/ShapeWindow.h"
 #include "ui/SoundPlayer.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
-#include <QEventLoop>
-#include <QGuiApplication>
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
-#include <QProcess>
-#include <QScreen>
 #include <QSignalBlocker>
 
 namespace mirel {
@@ -30,14 +23,6 @@ const QString kNamePrompt = QStringLiteral("Enter Name for account");
 const QString kNamePreset = QStringLiteral("New Account");
 const QString kDeleteQuestion = QStringLiteral("Are you sure to delete this Account?");
 
-void runDetached(const QByteArray& command, const QString& workingDir) {
-    QStringList args = QProcess::splitCommand(Cp1252::toUnicode(command));
-    if (args.isEmpty())
-        return;
-    const QString program = args.takeFirst();
-    QProcess::startDetached(program, args, workingDir);
-}
-
 QByteArray bytesOf(const QLineEdit* e) {
     return Cp1252::fromUnicode(e->text());
 }
@@ -46,16 +31,8 @@ QByteArray bytesOf(const QLineEdit* e) {
 
 frmEmailAccounts::frmEmailAccounts(const LayoutEngine& engine, EmailAccountList& accounts,
                                    const AccountsFile& file, MessageSink& messages, QWidget* parent)
-    : SkinHost(parent, Qt::Dialog | Qt::FramelessWindowHint),
-      m_engine(std::make_unique<LayoutEngine>(engine.context())), m_accounts(accounts),
+    : SkinDialog(engine, kSection, QStringLiteral("E-mail accounts"), parent), m_accounts(accounts),
       m_file(file), m_messages(messages), m_manager(accounts) {
-    const SkinContext& ctx = m_engine->context();
-    const QString skin = ctx.folders.themeFile(QStringLiteral("terminal.skn"));
-    setSoundPlayer(ctx.sounds);
-    setWindowTitle(QStringLiteral("E-mail accounts"));
-    setAccessibleName(windowTitle());
-    setAttribute(Qt::WA_DeleteOnClose, false);
-    m_run = [dir = ctx.folders.ProgramDir](const QByteArray& c) { runDetached(c, dir); };
     m_prompt = [this](const QString& prompt, const QString& title, const QString& preset) {
         bool ok = false;
         const QString name =
@@ -71,18 +48,7 @@ frmEmailAccounts::frmEmailAccounts(const LayoutEngine& engine, EmailAccountList&
     m_list->hide();
     setPlaced(PlacedPart::MessageList, m_list);
 
-    QImage background;
-    if (ctx.ini.ReadIniKey(kSection, "BackGround", skin) && !ctx.ini.IniValue.isEmpty())
-        background = QImage(ctx.folders.themeFile(Cp1252::toUnicode(ctx.ini.IniValue)));
-    QRgb mask = qRgb(255, 0, 255);
-    if (ctx.ini.ReadIniKey(kSection, "MaskColor", skin)) {
-        const Rgb c = parseRgb(ctx.ini.IniValue);
-        mask = qRgb(c.r, c.g, c.b);
-    }
-    resize(background.isNull() ? QSize(660, 460) : background.size());
-
-    m_engine->readAnimation("STARTUP", skin);
-    m_engine->LayoutSection(*this, kSection, skin);
+    layOut(QSize(660, 460));
 
     // A skin that leaves a box out still gets one, hidden: the record keeps
     // its field either way.
@@ -109,8 +75,7 @@ frmEmailAccounts::frmEmailAccounts(const LayoutEngine& engine, EmailAccountList&
         connect(c, &QCheckBox::toggled, this, [this] { storeEdit(); });
     connect(m_list, &QListWidget::currentRowChanged, this, [this](int row) { rowChanged(row); });
 
-    ShapeWindow(this, background, mask);
-    startHoverTimer();
+    shapeAndHover();
 }
 
 frmEmailAccounts::~frmEmailAccounts() = default;
@@ -184,8 +149,8 @@ void frmEmailAccounts::runCommand(const QByteArray& command) {
             makeDefault();
         } else if (upper == "EMAILACCOUNTDELETE") {
             deleteAccount();
-        } else if (m_run) {
-            m_run(command);
+        } else {
+            startProgram(command);
         }
     } catch (const std::exception&) {
     }
@@ -222,33 +187,6 @@ void frmEmailAccounts::deleteAccount() {
         m_list->clearSelection();
     }
     showSettings({});
-}
-
-void frmEmailAccounts::exec() {
-    setWindowModality(Qt::ApplicationModal);
-    if (QWidget* p = parentWidget())
-        move(p->mapToGlobal(p->rect().center()) - rect().center());
-    else if (QScreen* s = QGuiApplication::primaryScreen())
-        move(s->availableGeometry().center() - rect().center());
-    show();
-    QEventLoop loop;
-    m_loop = &loop;
-    if (isVisible())
-        loop.exec();
-    m_loop = nullptr;
-}
-
-void frmEmailAccounts::finish() {
-    state().closing = true;
-    hoverTimer().stop();
-    hide();
-    if (m_loop)
-        m_loop->quit();
-}
-
-void frmEmailAccounts::closeEvent(QCloseEvent* event) {
-    finish();
-    event->accept();
 }
 
 void frmEmailAccounts::keyPressEvent(QKeyEvent* event) {

@@ -8,7 +8,7 @@
 // signals are not turned into edits: otherwise clearing the boxes for the
 // new row would first overwrite that row with empty fields.
 #include "mail/transport/AccountManager.h"
-#include "ui/SkinHost.h"
+#include "ui/SkinDialog.h"
 
 #include <QByteArray>
 #include <array>
@@ -17,7 +17,6 @@
 #include <optional>
 
 class QCheckBox;
-class QEventLoop;
 class QLineEdit;
 class QListWidget;
 
@@ -29,7 +28,7 @@ class MessageSink;
 
 /// frmEmailAccounts: creates, edits, marks and deletes accounts in the shared
 /// list at once, and writes the file on "OK".
-class frmEmailAccounts : public SkinHost {
+class frmEmailAccounts : public SkinDialog {
     Q_OBJECT
 public:
     static inline const QByteArray kSection = QByteArrayLiteral("EMAILACCOUNTS");
@@ -38,8 +37,6 @@ public:
                      const AccountsFile& file, MessageSink& messages, QWidget* parent = nullptr);
     ~frmEmailAccounts() override;
 
-    /// Shows the window modally; returns when it closes.
-    void exec();
     /// True once "OK" wrote the file without an error.
     bool saved() const { return m_saved; }
 
@@ -48,8 +45,6 @@ public:
     using NamePrompt = std::function<QByteArray(const QString& prompt, const QString& title,
                                                 const QString& preset)>;
     void setNamePrompt(NamePrompt prompt) { m_prompt = std::move(prompt); }
-    /// Runs commands the window does not know; by default as a detached program.
-    void setCommandRunner(std::function<void(const QByteArray&)> run) { m_run = std::move(run); }
 
     QListWidget* MLmessages() const { return m_list; }
     QLineEdit* txtName() const { return m_text[Name]; }
@@ -66,7 +61,6 @@ public:
     void runCommand(const QByteArray& command);
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -82,11 +76,7 @@ private:
     void newAccount();
     void makeDefault();
     void deleteAccount();
-    void finish();
 
-    // A copy: the window's own animation switches must not leak into the
-    // main window's engine.
-    std::unique_ptr<LayoutEngine> m_engine;
     EmailAccountList& m_accounts;
     const AccountsFile& m_file;
     MessageSink& m_messages;
@@ -100,8 +90,6 @@ private:
     // Where the pointer took hold of the background, while it is dragged.
     std::optional<QPoint> m_dragFrom;
     NamePrompt m_prompt;
-    std::function<void(const QByteArray&)> m_run;
-    QEventLoop* m_loop = nullptr;
 };
 
 } // namespace mirel

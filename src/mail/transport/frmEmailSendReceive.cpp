@@ -3,42 +3,22 @@
 #include "mail/transport/SendReceiveRunner.h"
 #include "mail/transport/SendReceiveTexts.h"
 #include "platform/Cp1252.h"
-#include "settings/CommaList.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
 #include "ui/LayoutEngine.h"
-#include "ui/ShapeWindow.h"
 #include "ui/SoundPlayer.h"
 
-#include <QCloseEvent>
-#include <QEventLoop>
-#include <QGuiApplication>
 #include <QListWidget>
-#include <QProcess>
 #include <QPushButton>
-#include <QScreen>
 
 namespace mirel {
 
 frmEmailSendReceive::frmEmailSendReceive(const LayoutEngine& engine, MailStore& store,
                                          const Clock& clock, const EmailAccountList& accounts,
                                          const DebugLog* debugLog, QWidget* parent)
-    : SkinHost(parent, Qt::Dialog | Qt::FramelessWindowHint),
-      m_engine(std::make_unique<LayoutEngine>(engine.context())), m_status(new QListWidget(this)),
-      m_cmdFake(new QPushButton(this)) {
-    const SkinContext& ctx = m_engine->context();
-    const QString skin = ctx.folders.themeFile(QStringLiteral("terminal.skn"));
-    const QByteArray section = SendReceiveTexts::kSection;
-    setSoundPlayer(ctx.sounds);
-    setWindowTitle(QStringLiteral("Send and receive"));
-    setAccessibleName(windowTitle());
-    setAttribute(Qt::WA_DeleteOnClose, false);
-    m_run = [dir = ctx.folders.ProgramDir](const QByteArray& command) {
-        QStringList args = QProcess::splitCommand(Cp1252::toUnicode(command));
-        if (!args.isEmpty())
-            QProcess::startDetached(args.takeFirst(), args, dir);
-    };
-
+    : SkinDialog(engine, SendReceiveTexts::kSection, QStringLiteral("Send and receive"), parent),
+      m_status(new QListWidget(this)), m_cmdFake(new QPushButton(this)) {
+    const SkinContext& ctx = context();
     m_status->setObjectName(QStringLiteral("MLmessages"));
     m_status->setAccessibleName(QStringLiteral("Status"));
     m_status->setFocusPolicy(Qt::NoFocus);
@@ -53,18 +33,8 @@ frmEmailSendReceive::frmEmailSendReceive(const LayoutEngine& engine, MailStore& 
     m_cmdFake->setObjectName(QStringLiteral("cmdFake"));
     m_cmdFake->setGeometry(-100, 0, 10, 10);
 
-    QImage background;
-    if (ctx.ini.ReadIniKey(section, "BackGround", skin) && !ctx.ini.IniValue.isEmpty())
-        background = QImage(ctx.folders.themeFile(Cp1252::toUnicode(ctx.ini.IniValue)));
-    QRgb mask = qRgb(255, 0, 255);
-    if (ctx.ini.ReadIniKey(section, "MaskColor", skin)) {
-        const Rgb c = parseRgb(ctx.ini.IniValue);
-        mask = qRgb(c.r, c.g, c.b);
-    }
-    resize(background.isNull() ? QSize(540, 360) : background.size());
-    m_engine->readAnimation("STARTUP", skin);
-    m_engine->LayoutSection(*this, section, skin);
-    ShapeWindow(this, background, mask);
+    layOut(QSize(540, 360));
+    shapeAndHover();
 
     // The newest line is selected only to scroll it into view; it must look
     // like every other line.
@@ -73,8 +43,8 @@ frmEmailSendReceive::frmEmailSendReceive(const LayoutEngine& engine, MailStore& 
     pal.setColor(QPalette::HighlightedText, pal.color(QPalette::Text));
     m_status->setPalette(pal);
 
-    m_runner = std::make_unique<SendReceiveRunner>(store, ctx.ini, clock, accounts,
-                                                   SendReceiveTexts::read(ctx.ini, skin), debugLog);
+    m_runner = std::make_unique<SendReceiveRunner>(
+        store, ctx.ini, clock, accounts, SendReceiveTexts::read(ctx.ini, skinFile()), debugLog);
     connect(m_runner.get(), &SendReceiveRunner::statusLine, this,
             &frmEmailSendReceive::StatusUpdate);
     connect(m_runner.get(), &SendReceiveRunner::soundRequested, this, [this](const QByteArray& s) {
@@ -82,7 +52,6 @@ frmEmailSendReceive::frmEmailSendReceive(const LayoutEngine& engine, MailStore& 
             sounds->PlaySkinSound(s, false);
     });
     connect(m_runner.get(), &SendReceiveRunner::over, this, [this] { startHoverTimer(); });
-    startHoverTimer();
 }
 
 frmEmailSendReceive::~frmEmailSendReceive() {
@@ -96,33 +65,14 @@ void frmEmailSendReceive::StatusUpdate(const QByteArray& text) {
     m_cmdFake->setFocus();
 }
 
-void frmEmailSendReceive::exec() {
-    setWindowModality(Qt::ApplicationModal);
-    if (QWidget* p = parentWidget())
-        move(p->mapToGlobal(p->rect().center()) - rect().center());
-    else if (QScreen* s = QGuiApplication::primaryScreen())
-        move(s->availableGeometry().center() - rect().center());
-    show();
+void frmEmailSendReceive::onShown() {
     m_runner->open();
-    QEventLoop loop;
-    m_loop = &loop;
-    if (!m_finished)
-        loop.exec();
-    m_loop = nullptr;
 }
 
-void frmEmailSendReceive::finish() {
-    if (m_finished)
-        return;
-    m_finished = true;
-    state().closing = true;
-    hoverTimer().stop();
+void frmEmailSendReceive::onFinish() {
     // Closing never waits on the network for long: a running action is
     // aborted, and errors while logging out are of no interest any more.
     m_runner->close();
-    hide();
-    if (m_loop)
-        m_loop->quit();
 }
 
 void frmEmailSendReceive::buttonClicked(int index) {
@@ -131,13 +81,8 @@ void frmEmailSendReceive::buttonClicked(int index) {
         sounds->PlaySkinSound(b.clickSound, false);
     if (b.command.toUpper() == "OK")
         finish();
-    else if (m_run)
-        m_run(b.command);
-}
-
-void frmEmailSendReceive::closeEvent(QCloseEvent* event) {
-    finish();
-    event->accept();
+    else
+        startProgram(b.command);
 }
 
 } // namespace mirel

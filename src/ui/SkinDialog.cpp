@@ -1,0 +1,96 @@
+#include "ui/SkinDialog.h"
+
+#include "platform/Cp1252.h"
+#include "settings/CommaList.h"
+#include "settings/Folders.h"
+#include "settings/IniHelpers.h"
+#include "ui/LayoutEngine.h"
+#include "ui/ShapeWindow.h"
+
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QScreen>
+
+namespace mirel {
+
+SkinDialog::SkinDialog(const LayoutEngine& engine, QByteArray section, const QString& title,
+                       QWidget* parent)
+    : SkinHost(parent, Qt::Dialog | Qt::FramelessWindowHint),
+      m_engine(std::make_unique<LayoutEngine>(engine.context())), m_section(std::move(section)),
+      m_skin(engine.context().folders.themeFile(QStringLiteral("terminal.skn"))),
+      m_mask(qRgb(255, 0, 255)) {
+    setSoundPlayer(context().sounds);
+    setWindowTitle(title);
+    setAccessibleName(title);
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    m_run = [dir = context().folders.ProgramDir](const QByteArray& command) {
+        QStringList args = QProcess::splitCommand(Cp1252::toUnicode(command));
+        if (!args.isEmpty())
+            QProcess::startDetached(args.takeFirst(), args, dir);
+    };
+}
+
+SkinDialog::~SkinDialog() = default;
+
+const SkinContext& SkinDialog::context() const {
+    return m_engine->context();
+}
+
+void SkinDialog::layOut(QSize fallback) {
+    IniHelpers& ini = context().ini;
+    if (ini.ReadIniKey(m_section, "BackGround", m_skin) && !ini.IniValue.isEmpty())
+        m_background = QImage(context().folders.themeFile(Cp1252::toUnicode(ini.IniValue)));
+    if (ini.ReadIniKey(m_section, "MaskColor", m_skin)) {
+        const Rgb c = parseRgb(ini.IniValue);
+        m_mask = qRgb(c.r, c.g, c.b);
+    }
+    resize(m_background.isNull() ? fallback : m_background.size());
+    m_engine->readAnimation("STARTUP", m_skin);
+    m_engine->LayoutSection(*this, m_section, m_skin);
+}
+
+void SkinDialog::shapeAndHover() {
+    ShapeWindow(this, m_background, m_mask);
+    startHoverTimer();
+}
+
+void SkinDialog::exec() {
+    setWindowModality(Qt::ApplicationModal);
+    if (QWidget* p = parentWidget())
+        move(p->mapToGlobal(p->rect().center()) - rect().center());
+    else if (QScreen* s = QGuiApplication::primaryScreen())
+        move(s->availableGeometry().center() - rect().center());
+    show();
+    onShown();
+    QEventLoop loop;
+    m_loop = &loop;
+    if (!m_finished && isVisible())
+        loop.exec();
+    m_loop = nullptr;
+}
+
+void SkinDialog::finish() {
+    if (m_finished)
+        return;
+    m_finished = true;
+    state().closing = true;
+    hoverTimer().stop();
+    onFinish();
+    hide();
+    if (m_loop)
+        m_loop->quit();
+}
+
+void SkinDialog::startProgram(const QByteArray& command) const {
+    if (m_run)
+        m_run(command);
+}
+
+void SkinDialog::closeEvent(QCloseEvent* event) {
+    finish();
+    event->accept();
+}
+
+} // namespace mirel
