@@ -16,26 +16,11 @@ from email.message import EmailMessage
 
 sys.path.insert(0, os.path.dirname(__file__))
 
-IN_BUS = "MIREL_E2E_IN_BUS"
+from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
+from mirel_harness import Session  # noqa: E402
 
-
-def reexec_in_private_bus():
-    runtime = tempfile.mkdtemp(prefix="mirel-mail-run-")
-    os.chmod(runtime, 0o700)
-    env = dict(os.environ)
-    env.update({IN_BUS: "1", "XDG_RUNTIME_DIR": runtime, "GSETTINGS_BACKEND": "memory",
-                "NO_AT_BRIDGE": "0"})
-    r = subprocess.run(["dbus-run-session", "--", sys.executable, os.path.abspath(__file__)],
-                       env=env)
-    shutil.rmtree(runtime, ignore_errors=True)
-    sys.exit(r.returncode)
-
-
-if __name__ == "__main__" and not os.environ.get(IN_BUS):
-    reexec_in_private_bus()
-
-from mirel_harness import Session, Xvfb  # noqa: E402
-from test_accessibility import walk  # noqa: E402
+if __name__ == "__main__":
+    run_in_private_bus(__file__)
 
 CORPUS = "/usr/lib/python3.11/test/test_email/data/"
 SOURCE_DIR = os.environ.get("MIREL_SOURCE_DIR",
@@ -62,43 +47,7 @@ def utf8_message(path):
         f.write(bytes(m))
 
 
-class MailView(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.x = Xvfb()
-        cls.launcher = subprocess.Popen(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        time.sleep(1.0)
-        import pyatspi
-        cls.pyatspi = pyatspi
-
-    @classmethod
-    def tearDownClass(cls):
-        if cls.launcher.poll() is None:
-            cls.launcher.terminate()
-            cls.launcher.wait(10)
-        cls.x.stop()
-
-    def app(self, timeout=20):
-        deadline = time.time() + timeout
-        while time.time() < deadline:
-            desktop = self.pyatspi.Registry.getDesktop(0)
-            for i in range(desktop.childCount):
-                a = desktop.getChildAtIndex(i)
-                if a is not None and a.name == "mirel":
-                    return a
-            time.sleep(0.3)
-        self.fail("mirel never appeared on the accessibility bus")
-
-    def find(self, name, timeout=10):
-        deadline = time.time() + timeout
-        while time.time() < deadline:
-            for node in walk(self.app()):
-                if node.name == name:
-                    return node
-            time.sleep(0.3)
-        self.fail("nothing named %r" % name)
-
+class MailView(ScreenReaderCase):
     def cell(self, table, text, timeout=10):
         deadline = time.time() + timeout
         while time.time() < deadline:

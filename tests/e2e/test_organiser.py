@@ -4,85 +4,36 @@ back the files the program wrote and the rows it lists."""
 
 import glob
 import os
-import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
 
-IN_BUS = "MIREL_E2E_IN_BUS"
+from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
+from mirel_harness import Session  # noqa: E402
 
-if __name__ == "__main__" and not os.environ.get(IN_BUS):
-    runtime = tempfile.mkdtemp(prefix="mirel-org-run-")
-    os.chmod(runtime, 0o700)
-    env = dict(os.environ, **{IN_BUS: "1", "XDG_RUNTIME_DIR": runtime,
-                              "GSETTINGS_BACKEND": "memory", "NO_AT_BRIDGE": "0"})
-    r = subprocess.run(["dbus-run-session", "--", sys.executable, os.path.abspath(__file__)],
-                       env=env)
-    subprocess.run(["rm", "-rf", runtime])
-    sys.exit(r.returncode)
-
-from mirel_harness import Session, Xvfb  # noqa: E402
-from test_accessibility import walk  # noqa: E402
+if __name__ == "__main__":
+    run_in_private_bus(__file__)
 
 
-class Organiser(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.x = Xvfb("1280x800x24")
-        cls.launcher = subprocess.Popen(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        time.sleep(1.0)
-        import pyatspi
-        cls.pyatspi = pyatspi
-
-    @classmethod
-    def tearDownClass(cls):
-        if cls.launcher.poll() is None:
-            cls.launcher.terminate()
-            cls.launcher.wait(10)
-        cls.x.stop()
-
-    def app(self):
-        deadline = time.time() + 20
-        while time.time() < deadline:
-            desktop = self.pyatspi.Registry.getDesktop(0)
-            for i in range(desktop.childCount):
-                a = desktop.getChildAtIndex(i)
-                if a is not None and a.name == "mirel":
-                    return a
-            time.sleep(0.3)
-        self.fail("mirel never appeared on the accessibility bus")
-
-    def find(self, name, role=None, timeout=10):
-        deadline = time.time() + timeout
-        while time.time() < deadline:
-            for node in walk(self.app()):
-                if node.name == name and node.getState().contains(self.pyatspi.STATE_SHOWING) \
-                        and (role is None or node.getRoleName() == role):
-                    return node
-            time.sleep(0.3)
-        self.fail("nothing shown named %r" % name)
-
+class Organiser(ScreenReaderCase):
     def press(self, command):
-        self.find(command, "push button").queryAction().doAction(0)
-        time.sleep(0.4)
+        super().press(command, settle=0.4)
 
     def type_into(self, name, text):
-        self.find(name).queryEditableText().setTextContents(text)
+        self.find(name, shown=True).queryEditableText().setTextContents(text)
 
     def rows(self):
         lists = [n for n in walk(self.app()) if n.getRoleName() == "list" and n.name == "lstBox 1"
-                 and n.getState().contains(self.pyatspi.STATE_SHOWING)]
+                 and self.showing(n)]
         self.assertTrue(lists, "the screen shows its list")
         return [lists[0].getChildAtIndex(i).name for i in range(lists[0].childCount)]
 
     def screen(self, command, first_button):
         self.press(command)
         # The theme builds a screen up control by control; its buttons come first.
-        self.find(first_button, "push button", timeout=20)
+        self.find(first_button, "push button", shown=True, timeout=20)
         time.sleep(1.5)
 
     def test_note_log_task_and_contact(self):

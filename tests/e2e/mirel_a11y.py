@@ -1,0 +1,92 @@
+"""Reading and driving the real program as a screen reader does: a private
+session bus with its own accessibility bus (nothing reaches the user's
+desktop), the accessible tree of the running `mirel`, and lookups by name
+and role."""
+
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from mirel_harness import Xvfb
+
+IN_BUS = "MIREL_E2E_IN_BUS"
+
+
+def run_in_private_bus(script):
+    """Runs script again inside `dbus-run-session` (once) and exits with its status."""
+    if os.environ.get(IN_BUS):
+        return
+    runtime = tempfile.mkdtemp(prefix="mirel-a11y-run-")
+    os.chmod(runtime, 0o700)
+    env = dict(os.environ, **{IN_BUS: "1", "XDG_RUNTIME_DIR": runtime,
+                              "GSETTINGS_BACKEND": "memory", "NO_AT_BRIDGE": "0"})
+    r = subprocess.run(["dbus-run-session", "--", sys.executable, os.path.abspath(script)],
+                       env=env)
+    shutil.rmtree(runtime, ignore_errors=True)
+    sys.exit(r.returncode)
+
+
+def walk(node, depth=0):
+    if node is None or depth > 30:
+        return
+    yield node
+    for i in range(node.childCount):
+        try:
+            child = node.getChildAtIndex(i)
+        except Exception:
+            continue
+        yield from walk(child, depth + 1)
+
+
+class ScreenReaderCase(unittest.TestCase):
+    """A private X server and accessibility bus for the whole test class."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.x = Xvfb()
+        cls.launcher = subprocess.Popen(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        time.sleep(1.0)
+        import pyatspi
+        cls.pyatspi = pyatspi
+
+    @classmethod
+    def tearDownClass(cls):
+        if cls.launcher.poll() is None:
+            cls.launcher.terminate()
+            cls.launcher.wait(10)
+        cls.x.stop()
+
+    def app(self, timeout=20):
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            desktop = self.pyatspi.Registry.getDesktop(0)
+            for i in range(desktop.childCount):
+                a = desktop.getChildAtIndex(i)
+                if a is not None and a.name == "mirel":
+                    return a
+            time.sleep(0.3)
+        self.fail("mirel never appeared on the accessibility bus")
+
+    def showing(self, node):
+        return node.getState().contains(self.pyatspi.STATE_SHOWING)
+
+    def find(self, name=None, role=None, shown=False, timeout=10):
+        """The first node with that name and role (either may be None)."""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            for node in walk(self.app()):
+                if (name is None or node.name == name) and \
+                        (role is None or node.getRoleName() == role) and \
+                        (not shown or self.showing(node)):
+                    return node
+            time.sleep(0.3)
+        self.fail("no %s named %r" % (role or "node", name))
+
+    def press(self, command, settle=0.0):
+        self.find(command, "push button", shown=True).queryAction().doAction(0)
+        time.sleep(settle)
