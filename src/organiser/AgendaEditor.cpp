@@ -1,9 +1,39 @@
 #include "organiser/AgendaEditor.h"
 
 #include <QLocale>
+#include <iterator>
 
 namespace mirel {
 namespace {
+
+// The fourteen time steps in command order: the unit and amount, and whether
+// only the end moves (the start steps move both ends, keeping the duration).
+enum class Unit { Days, Months, Years, Seconds };
+struct StepRule {
+    Unit unit;
+    int amount;
+    bool endOnly;
+};
+constexpr StepRule kSteps[] = {
+    {Unit::Days, 1, false},       {Unit::Days, -1, false},       {Unit::Months, 1, false},
+    {Unit::Months, -1, false},    {Unit::Years, 1, false},       {Unit::Years, -1, false},
+    {Unit::Seconds, 3600, false}, {Unit::Seconds, -3600, false}, {Unit::Seconds, 60, false},
+    {Unit::Seconds, -60, false},  {Unit::Seconds, 3600, true},   {Unit::Seconds, -3600, true},
+    {Unit::Seconds, 60, true},    {Unit::Seconds, -60, true}};
+
+QDateTime moved(const QDateTime& t, Unit unit, int amount) {
+    switch (unit) {
+    case Unit::Days:
+        return t.addDays(amount);
+    case Unit::Months:
+        return t.addMonths(amount);
+    case Unit::Years:
+        return t.addYears(amount);
+    case Unit::Seconds:
+        return t.addSecs(amount);
+    }
+    return t;
+}
 
 QByteArray fmt(const QDateTime& t, const char* pattern) {
     return t.toString(QString::fromLatin1(pattern)).toLatin1();
@@ -45,56 +75,15 @@ void AgendaEditor::show(const AgendaLists& lists, int i, AgendaEditorState& ed) 
 }
 
 void AgendaEditor::step(AgendaEditorState& ed, int code) {
-    auto both = [&](auto f) {
-        ed.start = f(ed.start);
-        ed.end = f(ed.end);
-    };
-    switch (code) {
-    case DayUp:
-        both([](const QDateTime& t) { return t.addDays(1); });
-        break;
-    case DayDown:
-        both([](const QDateTime& t) { return t.addDays(-1); });
-        break;
-    case MonthUp:
-        both([](const QDateTime& t) { return t.addMonths(1); });
-        break;
-    case MonthDown:
-        both([](const QDateTime& t) { return t.addMonths(-1); });
-        break;
-    case YearUp:
-        both([](const QDateTime& t) { return t.addYears(1); });
-        break;
-    case YearDown:
-        both([](const QDateTime& t) { return t.addYears(-1); });
-        break;
-    case StartHourUp:
-        both([](const QDateTime& t) { return t.addSecs(3600); });
-        break;
-    case StartHourDown:
-        both([](const QDateTime& t) { return t.addSecs(-3600); });
-        break;
-    case StartMinUp:
-        both([](const QDateTime& t) { return t.addSecs(60); });
-        break;
-    case StartMinDown:
-        both([](const QDateTime& t) { return t.addSecs(-60); });
-        break;
-    case EndHourUp:
-        ed.end = ed.end.addSecs(3600);
-        break;
-    case EndHourDown:
-        ed.end = std::max(ed.end.addSecs(-3600), ed.start);
-        break;
-    case EndMinUp:
-        ed.end = ed.end.addSecs(60);
-        break;
-    case EndMinDown:
-        ed.end = std::max(ed.end.addSecs(-60), ed.start);
-        break;
-    default:
-        break;
-    }
+    if (code < 0 || code >= int(std::size(kSteps)))
+        return;
+    const StepRule& r = kSteps[code];
+    if (!r.endOnly)
+        ed.start = moved(ed.start, r.unit, r.amount);
+    ed.end = moved(ed.end, r.unit, r.amount);
+    // Stepping the end back never takes it before the start.
+    if (r.endOnly && r.amount < 0)
+        ed.end = std::max(ed.end, ed.start);
 }
 
 QByteArray AgendaEditor::build(const AgendaEditorState& ed) {
