@@ -32,6 +32,12 @@ QByteArray record(const char* name, const QByteArray& pop3, const char* user, co
            (deleteFlag ? "1" : "0") + "|0|" + smtp + "|" + address + "|" + sender + "|";
 }
 
+// Most runs use one account, Ann's.
+QByteArray ann(const QByteArray& pop3, const QByteArray& smtp, bool deleteFlag,
+               const char* password = "pw") {
+    return record("Ann", pop3, "ann", password, deleteFlag, smtp, "ann@x.org", "Ann");
+}
+
 QByteArray local(int port) {
     return "127.0.0.1:" + QByteArray::number(port);
 }
@@ -148,8 +154,7 @@ TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
     storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org, \"Lee, Jo\" <jo@x.org>", "Report",
                 "Cc: carl@x.org\r\nBcc: hidden@x.org\r\nX-Mailer: M\r\n", {{"data.bin", binary}});
 
-    const Outcome r = run({record("Ann", local(pop.port()), "ann", "ann-pw", true,
-                                  local(smtp.port()), "ann@x.org", "Ann"),
+    const Outcome r = run({ann(local(pop.port()), local(smtp.port()), true, "ann-pw"),
                            record("Bob", local(pop.port()), "bob", "bob-pw", false,
                                   local(smtp.port()), "bob@x.org", "Bob")});
     ASSERT_TRUE(r.over);
@@ -189,8 +194,7 @@ TEST_F(SendReceiveRunnerTest, MailLeftOnTheServerIsStoredOnce) {
     pop.deliver("ann", "Message-ID: <k1@x>\r\nSubject: kept\r\n\r\nbody\r\n");
     pop.deliver("ann", "Subject: no id\r\n\r\nsame body every time\r\n");
     ASSERT_TRUE(pop.start());
-    const QList<QByteArray> accounts = {
-        record("Ann", local(pop.port()), "ann", "pw", false, "", "ann@x.org", "Ann")};
+    const QList<QByteArray> accounts = {ann(local(pop.port()), "", false)};
 
     const Outcome first = run(accounts);
     EXPECT_TRUE(first.text().contains("DS1: New message (2)")) << first.text().constData();
@@ -202,7 +206,7 @@ TEST_F(SendReceiveRunnerTest, MailLeftOnTheServerIsStoredOnce) {
 
     // Switched to deleting: known messages are removed all the same.
     QList<QByteArray> deleting = accounts;
-    deleting[0] = record("Ann", local(pop.port()), "ann", "pw", true, "", "ann@x.org", "Ann");
+    deleting[0] = ann(local(pop.port()), "", true);
     run(deleting);
     EXPECT_EQ(pop.messagesOf("ann"), 0);
     EXPECT_EQ(count(MailStore::kInbox), 2u);
@@ -237,8 +241,7 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
         {"server that never answers", local(silent.port()), "pw"},
     };
     for (const Case& c : cases) {
-        const Outcome r = run({record("Ann", c.server, "ann", c.password, true, local(closedPort),
-                                      "ann@x.org", "Ann")});
+        const Outcome r = run({ann(c.server, local(closedPort), true, c.password)});
         ASSERT_TRUE(r.over) << c.what;
         EXPECT_EQ(r.phase, SendReceiveSession::Phase::Frozen) << c.what;
         EXPECT_TRUE(r.lines.last().startsWith("DS1: AsyncError: "))
@@ -263,9 +266,7 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
 TEST_F(SendReceiveRunnerTest, ClosingDuringAHangReturnsAtOnce) {
     ScriptedServer silent("+OK ready\r\n", {}, ScriptedServer::Ending::Silence);
     SendReceiveRunner runner(store, ini, clock,
-                             EmailAccountList({record("Ann", local(silent.port()), "ann", "pw",
-                                                      true, "", "ann@x.org", "Ann")}),
-                             texts());
+                             EmailAccountList({ann(local(silent.port()), "", true)}), texts());
     runner.open();
     QEventLoop loop;
     QTimer::singleShot(500, &loop, &QEventLoop::quit);
@@ -283,8 +284,7 @@ TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
     ASSERT_TRUE(smtp.start(o));
     const qint32 bad = storeOutbox("\"Ann\" <ann@x.org>", "refused@x.org", "bad", "");
     storeOutbox("\"Ann\" <ann@x.org>", "ok@x.org", "good", "");
-    const Outcome r =
-        run({record("Ann", "", "ann", "pw", false, local(smtp.port()), "ann@x.org", "Ann")});
+    const Outcome r = run({ann("", local(smtp.port()), false)});
     ASSERT_TRUE(r.over);
     EXPECT_TRUE(r.lines.at(1).startsWith("Outbox: Error ")) << r.text().constData();
     EXPECT_TRUE(r.text().endsWith("Outbox: Sent (2)\nOutbox: Done"));
@@ -315,9 +315,7 @@ TEST_F(SendReceiveRunnerTest, LargeMessagesInAndOutKeepTheLoopTurning) {
     payload.truncate(20 * 1024 * 1024);
     storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "big", "", {{"big.bin", payload}});
 
-    const Outcome r = run({record("Ann", local(pop.port()), "ann", "pw", true, local(smtp.port()),
-                                  "ann@x.org", "Ann")},
-                          30);
+    const Outcome r = run({ann(local(pop.port()), local(smtp.port()), true)}, 30);
     ASSERT_TRUE(r.over);
     EXPECT_EQ(r.phase, SendReceiveSession::Phase::Ended) << r.text().constData();
     EXPECT_EQ(count(MailStore::kInbox), 1u);
