@@ -9,7 +9,6 @@ import shutil
 import sqlite3
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 from email.message import EmailMessage
@@ -17,15 +16,12 @@ from email.message import EmailMessage
 sys.path.insert(0, os.path.dirname(__file__))
 
 from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
-from mirel_harness import Session  # noqa: E402
+from mirel_harness import BUILD_DIR, SOURCE_DIR, Session  # noqa: E402
 
 if __name__ == "__main__":
     run_in_private_bus(__file__)
 
 CORPUS = "/usr/lib/python3.11/test/test_email/data/"
-SOURCE_DIR = os.environ.get("MIREL_SOURCE_DIR",
-                            os.path.join(os.path.dirname(__file__), "..", ".."))
-BUILD_DIR = os.environ.get("MIREL_BUILD_DIR", os.path.join(SOURCE_DIR, "build"))
 HELPER = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
 
 

@@ -68,12 +68,6 @@ class Screens(unittest.TestCase):
         self.assertEqual(s.wait_exit(), 0)
         self.assertIn("Shut down", s.debug_log())
 
-    def test_quit_button(self):
-        s = self.s
-        s.start()
-        s.send("QUIT")
-        self.assertEqual(s.wait_exit(), 0)
-
     def test_exit_requested_during_start_up(self):
         s = self.s
         # The shell raises the exit flag while the window is still building up;

@@ -157,9 +157,9 @@ class SendReceive(unittest.TestCase):
         with open(self.s.store_file(), "w") as f:
             f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\Default\\\r\n" % prog)
 
-    def write_account(self, password):
+    def write_account(self):
         port = self.pop.server_address[1]
-        record = "* Home|127.0.0.1:%d|ann|%s|1|0|127.0.0.1:1|ann@example.org|Ann|" % (port, password)
+        record = "* Home|127.0.0.1:%d|ann|%s|1|0|127.0.0.1:1|ann@example.org|Ann|" % (port, PASSWORD)
         os.makedirs(os.path.join(self.s.program_dir, "Email"), exist_ok=True)
         with open(os.path.join(self.s.program_dir, "Email", "accounts.ini"), "w") as f:
             f.write("[Email]\r\n0=%s\r\n" % triplets(record))
@@ -188,12 +188,11 @@ class SendReceive(unittest.TestCase):
 
     def test_fetch_store_delete_and_show(self):
         s = self.s
-        self.write_account(PASSWORD)
+        self.write_account()
         self.open_window()
         deadline = time.time() + 20
         while time.time() < deadline and len(self.inbox_subjects()) < 2:
             time.sleep(0.2)
-        shot = s.screenshot("sendreceive")
         self.assertEqual(self.inbox_subjects(), ["Lunch on Friday", "Minutes"], s.debug_log())
         deadline = time.time() + 10
         while time.time() < deadline and self.box.messages:
@@ -209,20 +208,6 @@ class SendReceive(unittest.TestCase):
         click(self.x.display, 370 + 424 + 48, 220 + 316 + 15)
         time.sleep(1)
         s.screenshot("sendreceive-closed")
-        self.assertEqual(s.run("--quit").returncode, 0)
-        self.assertEqual(s.wait_exit(), 0)
-
-    def test_wrong_password_shows_the_error_and_keeps_the_mail(self):
-        s = self.s
-        self.write_account("not-" + PASSWORD)
-        self.open_window()
-        s.wait_for_log("AsyncError")
-        time.sleep(0.5)
-        s.screenshot("sendreceive-error")
-        self.assertEqual(len(self.box.messages), 2)
-        self.assertEqual(self.inbox_subjects(), [])
-        self.assertNotIn(PASSWORD, s.debug_log())
-        click(self.x.display, 370 + 424 + 48, 220 + 316 + 15)
         self.assertEqual(s.run("--quit").returncode, 0)
         self.assertEqual(s.wait_exit(), 0)
 

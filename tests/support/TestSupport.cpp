@@ -1,5 +1,6 @@
 #include "TestSupport.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -19,7 +20,9 @@ void writeAll(const QString& path, const QByteArray& bytes) {
     f.write(bytes);
 }
 
-TempDir::TempDir() { EXPECT_TRUE(m_dir.isValid()); }
+TempDir::TempDir() {
+    EXPECT_TRUE(m_dir.isValid());
+}
 
 QProcess* startHelper(const QStringList& args) {
     auto* p = new QProcess;
@@ -41,6 +44,14 @@ int runHelper(const QStringList& args, QByteArray* output) {
 
 QString testData(const QString& relative) {
     return QStringLiteral(MIREL_TEST_DATA) + QLatin1Char('/') + relative;
+}
+
+void ensureCoreApp() {
+    static int argc = 1;
+    static char name[] = "tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance())
+        new QCoreApplication(argc, argv);
 }
 
 } // namespace mirel::test

@@ -51,4 +51,7 @@ int runHelper(const QStringList& args, QByteArray* output = nullptr);
 
 QString testData(const QString& relative);
 
+/// Creates the QCoreApplication that signal-driven core tests need, once.
+void ensureCoreApp();
+
 } // namespace mirel::test

@@ -1,6 +1,6 @@
 #include "mail/transport/AccountRecord.h"
-#include "mail/transport/EmailAccountList.h"
 
+#include <QList>
 #include <gtest/gtest.h>
 
 using namespace mirel;
@@ -84,32 +84,6 @@ TEST(AccountRecord, EditKeepsNameAndClosesWithABar) {
 
     EXPECT_EQ(R::withMarker(edited, false).left(6), "  Work");
     EXPECT_EQ(R::withMarker("  Home|", true), "* Home|");
-}
-
-TEST(EmailAccountList, DefaultMarkerThroughNewMakeDefaultAndDelete) {
-    EmailAccountList list;
-    EXPECT_EQ(list.defaultIndex(), -1);
-    EXPECT_EQ(list.appendNew("One"), 0);
-    EXPECT_EQ(list.appendNew("Two"), 1);
-    EXPECT_EQ(list.appendNew("Three"), 2);
-    EXPECT_EQ(list.entries(),
-              (QList<QByteArray>{"* One||||||||", "  Two||||||||", "  Three||||||||"}));
-    EXPECT_EQ(list.defaultIndex(), 0);
-
-    list.makeDefault(2);
-    EXPECT_EQ(list.defaultIndex(), 2);
-    int marked = 0;
-    for (const QByteArray& e : list.entries())
-        marked += R::isDefault(e);
-    EXPECT_EQ(marked, 1);
-    EXPECT_EQ(R::name(list.at(2)), "Three");
-
-    list.makeDefault(7); // no such row: nothing changes
-    EXPECT_EQ(list.defaultIndex(), 2);
-
-    list.removeAt(2);
-    EXPECT_EQ(list.defaultIndex(), -1); // no other account takes over
-    EXPECT_EQ(list.size(), 2);
 }
 
 } // namespace

@@ -1,26 +1,18 @@
 #include "platform/AsyncSmtpClient.h"
 
+#include "TestSupport.h"
 #include "servers/LoopbackPort.h"
 #include "servers/SmtpSinkServer.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
-#include <curl/curl.h>
 #include <gtest/gtest.h>
 
 using namespace mirel;
 using namespace mirel::test;
 
 namespace {
-
-void ensureApp() {
-    static int argc = 1;
-    static char name[] = "tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance())
-        new QCoreApplication(argc, argv);
-}
 
 struct Result {
     int sent = 0, failed = 0, number = 0;
@@ -55,37 +47,25 @@ OutgoingMail mail(const QByteArray& to) {
     return m;
 }
 
-MailServer at(int port) {
-    MailServer s;
-    s.host = "127.0.0.1";
-    s.port = port;
-    s.connectTimeoutSeconds = 5;
-    return s;
-}
-
 TEST(AsyncSmtpClient, SendsOneAtATimeAndReportsOnTheStartingThread) {
-    ensureApp();
+    ensureCoreApp();
     SmtpSinkServer sink;
     ASSERT_TRUE(sink.start({{}, false, {}, "refused"}));
     AsyncSmtpClient smtp;
     const QDateTime now = QDateTime::currentDateTime();
 
-    ASSERT_TRUE(smtp.send(at(sink.port()), mail("bob@example.org"), now));
+    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("bob@example.org"), now));
     EXPECT_TRUE(smtp.isBusy());
-    EXPECT_FALSE(smtp.send(at(sink.port()), mail("other@example.org"), now));
+    EXPECT_FALSE(smtp.send(loopbackServer(sink.port()), mail("other@example.org"), now));
     Result r = waitFor(smtp);
     EXPECT_EQ(r.sent, 1);
     EXPECT_EQ(r.thread, QThread::currentThread());
     EXPECT_FALSE(smtp.isBusy());
 
-    ASSERT_TRUE(smtp.send(at(sink.port()), mail("refused@example.org"), now));
+    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("refused@example.org"), now));
     r = waitFor(smtp);
     EXPECT_EQ(r.failed, 1);
     EXPECT_NE(r.number, 0);
-
-    ASSERT_TRUE(smtp.send(at(freeLoopbackPort()), mail("bob@example.org"), now));
-    r = waitFor(smtp);
-    EXPECT_EQ(r.number, CURLE_COULDNT_CONNECT);
 
     ASSERT_EQ(sink.messages().size(), 1);
     EXPECT_EQ(sink.messages()[0][QStringLiteral("rcpt_tos")].toVariant().toStringList(),
@@ -93,21 +73,23 @@ TEST(AsyncSmtpClient, SendsOneAtATimeAndReportsOnTheStartingThread) {
 }
 
 TEST(AsyncSmtpClient, ACancelledSendIsNotReported) {
-    ensureApp();
+    ensureCoreApp();
     SmtpSinkServer sink;
     ASSERT_TRUE(sink.start({}));
     AsyncSmtpClient smtp;
     int signals = 0;
     QObject::connect(&smtp, &AsyncSmtpClient::sent, [&] { ++signals; });
     QObject::connect(&smtp, &AsyncSmtpClient::failed, [&] { ++signals; });
-    ASSERT_TRUE(smtp.send(at(sink.port()), mail("bob@example.org"), QDateTime::currentDateTime()));
+    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("bob@example.org"),
+                          QDateTime::currentDateTime()));
     smtp.cancel();
     QCoreApplication::processEvents();
     EXPECT_EQ(signals, 0);
     EXPECT_FALSE(smtp.isBusy());
 
     // The client is usable again afterwards.
-    ASSERT_TRUE(smtp.send(at(sink.port()), mail("bob@example.org"), QDateTime::currentDateTime()));
+    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("bob@example.org"),
+                          QDateTime::currentDateTime()));
     EXPECT_EQ(waitFor(smtp).sent, 1);
     EXPECT_EQ(signals, 1);
 }

@@ -244,12 +244,4 @@ TEST(SendReceiveSession, ARefusedMessageStaysInTheOutboxAndTheNextGoesOut) {
     EXPECT_EQ(s.phase(), SendReceiveSession::Phase::Ended);
 }
 
-TEST(SendReceiveSession, MissingSkinTextsLeaveBareLines) {
-    World w;
-    w.mailboxes["pop"] = {};
-    SendReceiveSession s(EmailAccountList({account("a", "pop", false)}), {}, {}, w);
-    w.run(s);
-    EXPECT_EQ(joined(w.lines), joined({"DS1:  UFCA-A", "DS1: ", "DS1: ", "DS1: "}));
-}
-
 } // namespace

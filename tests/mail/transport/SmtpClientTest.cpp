@@ -38,20 +38,13 @@ QString lf(QString s) {
 }
 
 class SmtpClientTest : public ::testing::Test {
-  protected:
+protected:
     SmtpSinkServer sink;
     TempDir dir;
     QByteArray traced;
     const QDateTime now{QDate(2026, 11, 22), QTime(20, 44, 5), QTimeZone(3600)};
 
-    MailServer server(int port) {
-        MailServer s;
-        s.host = "127.0.0.1";
-        s.port = port;
-        s.connectTimeoutSeconds = 5;
-        s.stallTimeoutSeconds = 10;
-        return s;
-    }
+    static MailServer server(int port) { return loopbackServer(port); }
     void traceInto(SmtpClient& c) {
         c.setTrace([this](QByteArrayView line) { traced += line.toByteArray() + '\n'; });
     }
@@ -213,7 +206,7 @@ TEST(SmtpClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
 }
 
 class SmtpTlsTest : public SmtpClientTest {
-  protected:
+protected:
     QTemporaryDir certDir;
     TestCertificate cert = TestCertificate::make(certDir.path());
 };

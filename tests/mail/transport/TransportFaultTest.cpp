@@ -1,6 +1,7 @@
 #include "platform/Pop3Client.h"
 #include "platform/SmtpClient.h"
 
+#include "servers/LoopbackPort.h"
 #include "servers/ScriptedServer.h"
 
 #include <QElapsedTimer>
@@ -13,14 +14,8 @@ using namespace mirel::test;
 namespace {
 
 MailServer at(int port) {
-    MailServer s;
-    s.host = "127.0.0.1";
-    s.port = port;
-    s.userName = "ann";
-    s.password = "pw";
+    MailServer s = loopbackServer(port, "ann", "pw", 2);
     s.tls = MailServer::Tls::WhenOffered;
-    s.connectTimeoutSeconds = 2;
-    s.stallTimeoutSeconds = 2;
     return s;
 }
 

@@ -65,13 +65,6 @@ protected:
     }
 };
 
-TEST_F(frmEmailSendReceiveTest, LaysItselfOutFromItsSkinSection) {
-    frmEmailSendReceive dlg(engine, store, clock, {}, nullptr);
-    EXPECT_EQ(dlg.size(), QSize(540, 360)) << "background picture size";
-    EXPECT_EQ(dlg.MLmessages()->geometry(), QRect(20, 56, 500, 240));
-    EXPECT_EQ(dlg.MLmessages()->palette().color(QPalette::Base), QColor(20, 23, 32));
-}
-
 TEST_F(frmEmailSendReceiveTest, ShowsEveryStepWithTheSkinTexts) {
     DovecotServer pop;
     pop.addUser("ann", "pw");

@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <csignal>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -69,42 +68,45 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
     m_tlsPort = tls ? freeLoopbackPort() : 0;
     const QByteArray loginUser =
         ::geteuid() == 0 ? QByteArray("nobody") : QByteArray(::getpwuid(::getuid())->pw_name);
-    const QByteArray r = QFile::encodeName(root);
-    QByteArray conf =
-        "base_dir = " + r +
-        "/run\n"
-        "state_dir = " +
-        r +
-        "/state\n"
-        "log_path = " +
-        r +
-        "/dovecot.log\n"
-        "protocols = pop3\n"
-        "listen = 127.0.0.1\n"
-        "default_login_user = " +
-        loginUser +
-        "\n"
-        "default_internal_user = " +
-        loginUser +
-        "\n"
-        "auth_mechanisms = plain login\n"
-        "disable_plaintext_auth = no\n"
-        "mail_location = maildir:~/Maildir\n"
-        "first_valid_uid = 1\n"
-        "service anvil {\n  chroot =\n}\n"
-        "service pop3-login {\n  chroot =\n"
-        "  inet_listener pop3 {\n    port = " +
-        QByteArray::number(m_port) +
-        "\n  }\n"
-        "  inet_listener pop3s {\n    port = " +
-        QByteArray::number(m_tlsPort) +
-        "\n    ssl = yes\n  }\n}\n"
-        "passdb {\n  driver = passwd-file\n  args = scheme=PLAIN username_format=%u " +
-        r +
-        "/passwd\n}\n"
-        "userdb {\n  driver = static\n  args = uid=" +
-        QByteArray::number(m_mailUid) + " gid=" + QByteArray::number(m_mailGid) + " home=" + r +
-        "/home/%u\n}\n";
+    QByteArray conf = R"(base_dir = @ROOT@/run
+state_dir = @ROOT@/state
+log_path = @ROOT@/dovecot.log
+protocols = pop3
+listen = 127.0.0.1
+default_login_user = @LOGIN@
+default_internal_user = @LOGIN@
+auth_mechanisms = plain login
+disable_plaintext_auth = no
+mail_location = maildir:~/Maildir
+first_valid_uid = 1
+service anvil {
+  chroot =
+}
+service pop3-login {
+  chroot =
+  inet_listener pop3 {
+    port = @PORT@
+  }
+  inet_listener pop3s {
+    port = @TLSPORT@
+    ssl = yes
+  }
+}
+passdb {
+  driver = passwd-file
+  args = scheme=PLAIN username_format=%u @ROOT@/passwd
+}
+userdb {
+  driver = static
+  args = uid=@UID@ gid=@GID@ home=@ROOT@/home/%u
+}
+)";
+    conf.replace("@ROOT@", QFile::encodeName(root))
+        .replace("@LOGIN@", loginUser)
+        .replace("@TLSPORT@", QByteArray::number(m_tlsPort))
+        .replace("@PORT@", QByteArray::number(m_port))
+        .replace("@UID@", QByteArray::number(m_mailUid))
+        .replace("@GID@", QByteArray::number(m_mailGid));
     if (tls)
         conf += "ssl = yes\nssl_cert = <" + QFile::encodeName(tls->certFile) + "\nssl_key = <" +
                 QFile::encodeName(tls->keyFile) + "\n";
@@ -124,13 +126,7 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
 }
 
 void DovecotServer::stop() {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    ::kill(pid_t(m_process.processId()), SIGTERM);
-    if (!m_process.waitForFinished(10000)) {
-        ::kill(pid_t(m_process.processId()), SIGKILL);
-        m_process.waitForFinished(5000);
-    }
+    stopProcess(m_process);
 }
 
 void DovecotServer::deliver(const QByteArray& user, const QByteArray& message) {

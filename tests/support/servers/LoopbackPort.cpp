@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QThread>
 #include <arpa/inet.h>
+#include <csignal>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -45,6 +46,28 @@ bool waitForPort(int port, int timeoutMs) {
         QThread::msleep(50);
     }
     return false;
+}
+
+void stopProcess(QProcess& process) {
+    if (process.state() == QProcess::NotRunning)
+        return;
+    ::kill(pid_t(process.processId()), SIGTERM);
+    if (!process.waitForFinished(10000)) {
+        ::kill(pid_t(process.processId()), SIGKILL);
+        process.waitForFinished(5000);
+    }
+}
+
+MailServer loopbackServer(int port, const QByteArray& user, const QByteArray& password,
+                          int timeoutSeconds) {
+    MailServer s;
+    s.host = "127.0.0.1";
+    s.port = port;
+    s.userName = user;
+    s.password = password;
+    s.connectTimeoutSeconds = timeoutSeconds;
+    s.stallTimeoutSeconds = timeoutSeconds;
+    return s;
 }
 
 } // namespace mirel::test

@@ -1,5 +1,8 @@
 #pragma once
 // Ports on 127.0.0.1 for the servers the tests start.
+#include "platform/MailServer.h"
+
+#include <QProcess>
 
 namespace mirel::test {
 
@@ -7,5 +10,10 @@ namespace mirel::test {
 int freeLoopbackPort();
 /// True once something accepts connections on the port, false after timeoutMs.
 bool waitForPort(int port, int timeoutMs = 10000);
+/// Ends a server the test started: by its PID, politely first.
+void stopProcess(QProcess& process);
+/// A server on 127.0.0.1 whose connect and stall limits are both timeoutSeconds.
+MailServer loopbackServer(int port, const QByteArray& user = {}, const QByteArray& password = {},
+                          int timeoutSeconds = 5);
 
 } // namespace mirel::test

@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QJsonDocument>
-#include <csignal>
 
 namespace mirel::test {
 
@@ -39,13 +38,7 @@ bool SmtpSinkServer::start(const Options& o) {
 }
 
 void SmtpSinkServer::stop() {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    ::kill(pid_t(m_process.processId()), SIGTERM);
-    if (!m_process.waitForFinished(10000)) {
-        ::kill(pid_t(m_process.processId()), SIGKILL);
-        m_process.waitForFinished(5000);
-    }
+    stopProcess(m_process);
 }
 
 QList<QJsonObject> SmtpSinkServer::messages() const {
