@@ -1,6 +1,9 @@
 #include "skin/SkinLines.h"
 
+#include "platform/PathResolver.h"
 #include "settings/IniHelpers.h"
+
+#include <QFileInfo>
 
 namespace mirel {
 
@@ -26,6 +29,9 @@ std::optional<QByteArray> SkinLines::line(QByteArrayView section, int keyNumber,
 QList<NumberedLine> SkinLines::read(QByteArrayView section, const QString& skinFile) const {
     QList<NumberedLine> out;
     const QString overrideFile = overrideFileFor(skinFile);
+    // Most themes have no override file; asking it for every key would
+    // double the reads of a screen for nothing.
+    const bool hasOverride = QFileInfo::exists(resolvePath(overrideFile));
     // Keys are three digits at most in practice; the bound only guards
     // against a generated file with an endless run of numbers.
     for (int n = 1; n < 10000; ++n) {
@@ -33,7 +39,7 @@ QList<NumberedLine> SkinLines::read(QByteArrayView section, const QString& skinF
         if (!m_ini.ReadIniKey(section, key, skinFile))
             break;
         QByteArray text = m_ini.IniValue;
-        if (m_ini.ReadIniKey(section, key, overrideFile))
+        if (hasOverride && m_ini.ReadIniKey(section, key, overrideFile))
             text = m_ini.IniValue;
         out.append({n, text});
     }

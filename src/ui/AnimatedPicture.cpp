@@ -10,7 +10,7 @@ GifFrames readGifFrames(const QByteArray& bytes) {
     QByteArray copy = bytes;
     QBuffer buffer(&copy);
     buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer, "gif");
+    QImageReader reader(&buffer); // by content: a still picture under a .gif name still shows
     // A corrupt file can claim huge dimensions; refuse rather than allocate.
     reader.setAllocationLimit(64);
     // Frame count and delays come from the decoder; a broken frame ends the

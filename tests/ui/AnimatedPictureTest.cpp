@@ -28,6 +28,8 @@ TEST(AnimatedPictureTest, BrokenFilesGiveWhatTheyHold) {
     EXPECT_TRUE(readGifFrames({}).pictures.isEmpty());
     EXPECT_TRUE(readGifFrames("GIF89a").pictures.isEmpty());
     EXPECT_LE(readGifFrames(gif("cut.gif")).pictures.size(), 1);
+    // A still picture where an animation was expected shows as one frame.
+    EXPECT_EQ(readGifFrames(gif("button.bmp")).pictures.size(), 1);
     // Damaged copies of a good file never crash or hang.
     const QByteArray good = gif("spin.gif");
     QRandomGenerator rng(42);
