@@ -1,6 +1,6 @@
 #include "organiser/Logbook.h"
 
-#include "organiser/NotesBook.h"
+#include "organiser/ItemBook.h"
 #include "organiser/TextFile.h"
 #include "platform/CaseFold.h"
 

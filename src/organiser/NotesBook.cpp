@@ -7,21 +7,6 @@
 
 namespace mirel {
 
-QByteArray freeStampName(const QString& folder, const QDateTime& when, const char* extension) {
-    for (QDateTime t = when;; t = t.addSecs(1)) {
-        const QByteArray name = t.toString(QStringLiteral("yyyyMMddHHmmss")).toLatin1() + extension;
-        if (!QFileInfo::exists(folder + QLatin1Char('/') + QString::fromLatin1(name)))
-            return name;
-    }
-}
-
-QByteArray bodyFromLines(const QList<QByteArray>& lines, int skip) {
-    QByteArray body;
-    for (qsizetype i = skip; i < lines.size(); ++i)
-        body += lines[i] + "\r\n";
-    return body;
-}
-
 void NotesBook::load(OrganiserState& st) const {
     st.lstSorted1.clear();
     const QString dir = folder();
@@ -54,25 +39,6 @@ void NotesBook::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
     boxes.title = beforeSep(entry);
     if (const auto lines = m_ctx.readItem(folder(), afterSep(entry)))
         boxes.body = bodyFromLines(*lines, 1);
-}
-
-void NotesBook::add(OrganiserState& st, EditBoxes& boxes) const {
-    show(st, -1, boxes);
-    st.selection = -1;
-    boxes.focusFirstBox = true;
-}
-
-void NotesBook::click(OrganiserState& st, int row, EditBoxes& boxes) const {
-    const bool valid = !st.rows.text(row).isEmpty();
-    st.selection = qint16(valid ? row : -1);
-    show(st, st.selection, boxes);
-}
-
-void NotesBook::reset(OrganiserState& st, EditBoxes& boxes) const {
-    load(st);
-    show(st, -1, boxes);
-    st.selection = -1;
-    m_ctx.refreshOverview();
 }
 
 bool NotesBook::save(OrganiserState& st, EditBoxes& boxes) const {

@@ -1,6 +1,5 @@
 #include "organiser/TodoList.h"
 
-#include "organiser/NotesBook.h"
 #include "organiser/TextFile.h"
 
 namespace mirel {
@@ -37,25 +36,6 @@ void TodoList::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
     boxes.doneButtonVisible = entry.startsWith('0');
     if (const auto lines = m_ctx.readItem(folder(), afterSep(entry)))
         boxes.body = bodyFromLines(*lines, 1);
-}
-
-void TodoList::add(OrganiserState& st, EditBoxes& boxes) const {
-    show(st, -1, boxes);
-    st.selection = -1;
-    boxes.focusFirstBox = true;
-}
-
-void TodoList::click(OrganiserState& st, int row, EditBoxes& boxes) const {
-    const bool valid = !st.rows.text(row).isEmpty();
-    st.selection = qint16(valid ? row : -1);
-    show(st, st.selection, boxes);
-}
-
-void TodoList::reset(OrganiserState& st, EditBoxes& boxes) const {
-    load(st);
-    show(st, -1, boxes);
-    st.selection = -1;
-    m_ctx.refreshOverview();
 }
 
 bool TodoList::save(OrganiserState& st, EditBoxes& boxes) const {

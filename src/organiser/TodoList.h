@@ -3,22 +3,18 @@
 // ".tod"; line 1 the status ("0" open, anything else done), then the text.
 // The hidden list holds "status + first text line<1>file name", so open
 // tasks sort before done ones, each group by its first line.
-#include "organiser/OrganiserContext.h"
-#include "organiser/OrganiserState.h"
+#include "organiser/ItemBook.h"
 
 namespace mirel {
 
 /// The to-do screen's operations, on values. EditBoxes: body = the text
 /// box, doneButtonVisible = the "BD" button.
-class TodoList {
+class TodoList : public ItemBook {
 public:
-    explicit TodoList(const OrganiserContext& ctx) : m_ctx(ctx) {}
+    explicit TodoList(const OrganiserContext& ctx) : ItemBook(ctx) {}
 
-    void load(OrganiserState& st) const;
-    void show(const OrganiserState& st, int i, EditBoxes& boxes) const;
-    void add(OrganiserState& st, EditBoxes& boxes) const;
-    void cancel(const OrganiserState& st, EditBoxes& boxes) const { show(st, st.selection, boxes); }
-    void click(OrganiserState& st, int row, EditBoxes& boxes) const;
+    void load(OrganiserState& st) const override;
+    void show(const OrganiserState& st, int i, EditBoxes& boxes) const override;
     bool save(OrganiserState& st, EditBoxes& boxes) const;
     /// Marks the selected task done and saves it with the text box's text.
     bool markDone(OrganiserState& st, EditBoxes& boxes) const;
@@ -26,8 +22,6 @@ public:
 
 private:
     QString folder() const { return m_ctx.itemFolder("Todo"); }
-    void reset(OrganiserState& st, EditBoxes& boxes) const;
-    const OrganiserContext& m_ctx;
 };
 
 } // namespace mirel
