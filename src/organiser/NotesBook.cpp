@@ -2,8 +2,6 @@
 
 #include "organiser/TextFile.h"
 
-#include <QFile>
-#include <QFileInfo>
 
 namespace mirel {
 
