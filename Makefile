@@ -10,7 +10,7 @@ CTEST_J ?= 2
 
 # Every Debian package the project needs: toolchain, libraries, test peers
 # (Xvfb, AT-SPI, dovecot, aiosmtpd), corpora and the theme tools.
-DEPS := cmake g++ make pkg-config clang clang-format \
+DEPS := cmake g++ make pkg-config clang clang-format ccache \
 	qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-qpa-plugins \
 	qt6-image-formats-plugins libqt6svg6 \
 	libsqlitecpp-dev libsqlite3-dev sqlite3 libgmime-3.0-dev libcurl4-openssl-dev \

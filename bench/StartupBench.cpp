@@ -3,6 +3,7 @@
 // difference is what the start-up sequence and the skin cost. Both run on the
 // offscreen platform unless QT_QPA_PLATFORM says otherwise, so the figures do
 // not depend on a display server.
+#include "BuildPaths.h"
 #include "BenchMain.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "app/BundledTheme.h"
 
 #include "platform/PathResolver.h"

@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "TestSupport.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,7 @@
 // Real mail, stored and read back, against what Python's own parser reads
 // from the same files: the e-mail samples of Python's test suite and
 // messages the email package builds with known bodies and attachments.
+#include "BuildPaths.h"
 #include "ReceivedMailFixture.h"
 
 #include <QCryptographicHash>

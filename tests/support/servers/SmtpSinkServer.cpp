@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "servers/SmtpSinkServer.h"
 
 #include "servers/LoopbackPort.h"
