@@ -249,41 +249,46 @@ dialog bg_emailto.png 440 450 "ADDRESS BOOK"
 echo "compose tool bar"
 # Fixed tool bar of the compose window: 0 paragraph format, 1-3 bold italic
 # underline, 4 colour, 5-6 lists, 7-8 outdent indent, 9-11 alignment,
-# 12 rule, 13 link, 14 image, 16 attach. Drawn as glyphs on a small tile.
-tool() {
-    PNGNAME="tb$1.png"
-    png -size 28x26 "xc:$PANEL" -fill "$BTN" -stroke "$EDGE" -draw "roundrectangle 0,0,27,25,4,4" \
-        -stroke none -fill "$TEXT" -font "$2" -pointsize "$3" -gravity center -annotate +0+0 "$4"
-}
-tool 00 "$BOLD" 14 "¶"
-tool 01 "$BOLD" 15 "B"
-tool 02 DejaVu-Serif-Bold-Italic 15 "I"
-tool 03 "$SANS" 15 "U"
-convert "$OUT/tb03.png" -fill "$TEXT" -draw "line 9,20 18,20" -strip \
-    -define png:exclude-chunks=date,time "PNG24:$OUT/tb03.png"
-PNGNAME=tb04.png
-png -size 28x26 "xc:$PANEL" -fill "$BTN" -stroke "$EDGE" -draw "roundrectangle 0,0,27,25,4,4" \
-    -stroke none -fill "$ACCENT" -draw "rectangle 7,7 13,13" -fill "$WARM" -draw "rectangle 14,7 20,13" \
-    -fill "#ff4a5a" -draw "rectangle 7,14 13,19" -fill "#8ad060" -draw "rectangle 14,14 20,19"
-tool 05 "$BOLD" 10 "1.2."
-tool 06 "$BOLD" 16 "•"
-tool 07 "$BOLD" 13 "⇤"
-tool 08 "$BOLD" 13 "⇥"
-lines() {
-    PNGNAME="tb$1.png"
-    png -size 28x26 "xc:$PANEL" -fill "$BTN" -stroke "$EDGE" -draw "roundrectangle 0,0,27,25,4,4" \
-        -stroke "$TEXT" -draw "line $2,8 $3,8" -draw "line $4,12 $5,12" -draw "line $2,16 $3,16" \
-        -draw "line $4,20 $5,20"
-}
-lines 09 6 21 6 16
-lines 10 6 21 9 18
-lines 11 6 21 11 21
-PNGNAME=tb12.png
-png -size 28x26 "xc:$PANEL" -fill "$BTN" -stroke "$EDGE" -draw "roundrectangle 0,0,27,25,4,4" \
-    -stroke "$TEXT" -strokewidth 2 -draw "line 6,13 21,13"
-tool 13 "$BOLD" 11 "www"
-tool 14 "$BOLD" 12 "img"
-tool 16 "$BOLD" 15 "+@"
+# 12 rule, 13 link, 14 image, 16 attach. Drawn as glyphs on a small tile;
+# the lit twin ("a") swaps the colours and shows a format active at the caret.
+for lit in 0 1; do
+    if [ $lit = 1 ]; then TF=$ACCENT TT=$PANEL TE=$ACCENT S=a; else TF=$BTN TT=$TEXT TE=$EDGE S=; fi
+    tile() { PNGNAME="tb$1$S.png"; shift; png -size 28x26 "xc:$PANEL" -fill "$TF" -stroke "$TE" \
+        -draw "roundrectangle 0,0,27,25,4,4" -stroke none "$@"; }
+    tool() { tile "$1" -fill "$TT" -font "$2" -pointsize "$3" -gravity center -annotate +0+0 "$4"; }
+    tool 00 "$BOLD" 14 "¶"
+    tool 01 "$BOLD" 15 "B"
+    tool 02 DejaVu-Serif-Bold-Italic 15 "I"
+    tile 03 -fill "$TT" -font "$SANS" -pointsize 15 -gravity center -annotate +0-1 "U" \
+        -gravity northwest -stroke "$TT" -draw "line 9,21 18,21"
+    tile 04 -fill "$ACCENT" -stroke "$TT" -draw "rectangle 7,7 13,13" -fill "$WARM" \
+        -draw "rectangle 14,7 20,13" -fill "#ff4a5a" -draw "rectangle 7,14 13,19" \
+        -fill "#8ad060" -draw "rectangle 14,14 20,19"
+    # Lists: three marks and three lines; numbered lists with digits.
+    tile 05 -fill "$TT" -font "$BOLD" -pointsize 7 -annotate +5+10 "1" -annotate +5+16 "2" \
+        -annotate +5+22 "3" -stroke "$TT" -draw "line 11,8 22,8" -draw "line 11,14 22,14" \
+        -draw "line 11,20 22,20"
+    tile 06 -fill "$TT" -draw "circle 7,8 8,9" -draw "circle 7,14 8,15" -draw "circle 7,20 8,21" \
+        -stroke "$TT" -draw "line 11,8 22,8" -draw "line 11,14 22,14" -draw "line 11,20 22,20"
+    # Indents: an arrow beside shortened lines.
+    tile 07 -stroke "$TT" -draw "line 12,7 22,7" -draw "line 12,11 22,11" -draw "line 12,15 22,15" \
+        -draw "line 6,19 22,19" -fill "$TT" -draw "polygon 9,9 5,11 9,13"
+    tile 08 -stroke "$TT" -draw "line 12,7 22,7" -draw "line 12,11 22,11" -draw "line 12,15 22,15" \
+        -draw "line 6,19 22,19" -fill "$TT" -draw "polygon 5,9 9,11 5,13"
+    lines() { tile "$1" -stroke "$TT" -draw "line $2,8 $3,8" -draw "line $4,12 $5,12" \
+        -draw "line $2,16 $3,16" -draw "line $4,20 $5,20"; }
+    lines 09 6 21 6 16
+    lines 10 6 21 9 18
+    lines 11 6 21 11 21
+    tile 12 -stroke "$TT" -strokewidth 2 -draw "line 6,13 21,13"
+    tool 13 "$BOLD" 11 "www"
+    # A picture: a frame with a hill and a sun.
+    tile 14 -fill none -stroke "$TT" -draw "rectangle 5,6 22,19" -fill "$TT" -stroke none \
+        -draw "polygon 6,18 11,11 15,16 17,14 21,18" -draw "circle 18,9 19,10"
+    # Attach: a paper clip.
+    tile 16 -fill none -stroke "$TT" -strokewidth 2 \
+        -draw "roundrectangle 9,4 18,21 4,4" -strokewidth 1 -draw "roundrectangle 12,8 15,17 2,2"
+done
 
 echo "animations"
 # gif NAME SIZE ON-COLOUR : a cyan pulse ring; full frames on a shared

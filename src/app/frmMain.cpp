@@ -1,5 +1,6 @@
 #include "app/frmMain.h"
 
+#include "mail/compose/frmEmailCommands.h"
 #include "mail/store/MailStore.h"
 #include "mail/transport/AccountsFile.h"
 #include "mail/transport/frmEmailAccounts.h"
@@ -372,6 +373,22 @@ void frmMain::dispatch(const QByteArray& command) {
     case Command::EmailSource:
         if (m_email)
             m_email->ShowMessageSource();
+        return;
+    case Command::EmailNew:
+    case Command::EmailReply:
+    case Command::EmailForward:
+        if (!m_mailStore || !m_engine)
+            return;
+        if (!m_compose)
+            m_compose = std::make_unique<frmEmailCommands>(*m_engine, m_lstEmailAccounts,
+                                                           *m_mailStore, m_messages, this);
+        m_compose->setEmailScreen(m_email.get());
+        if (match.command == Command::EmailNew)
+            m_compose->EmailNew();
+        else if (match.command == Command::EmailReply)
+            m_compose->EmailReply();
+        else
+            m_compose->EmailForward();
         return;
     default:
         if (m_organiser && m_organiser->command(match.name, match.arg))

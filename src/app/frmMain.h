@@ -28,6 +28,7 @@ namespace mirel {
 
 class Clock;
 class EmailScreen;
+class frmEmailCommands;
 class LayoutEngine;
 class MailStore;
 class MessageSink;
@@ -139,6 +140,7 @@ private:
     std::unique_ptr<SingleInstance> m_instance;
     std::unique_ptr<MailStore> m_mailStore;
     std::unique_ptr<EmailScreen> m_email;
+    std::unique_ptr<frmEmailCommands> m_compose; // made at the first compose command
     EmailAccountList m_lstEmailAccounts;
     std::unique_ptr<OrganiserContext> m_organiserContext;
     std::unique_ptr<OrganiserScreen> m_organiser;

@@ -39,6 +39,8 @@ protected:
     LayoutEngine& engine() { return *m_engine; }
     const SkinContext& context() const;
     const QString& skinFile() const { return m_skin; }
+    /// A dialog laid out from the screen skin instead of "terminal.skn".
+    void setSkinFile(const QString& file) { m_skin = file; }
     const QByteArray& section() const { return m_section; }
 
     /// Sizes the window to the section's background picture (fallback

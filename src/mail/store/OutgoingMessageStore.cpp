@@ -46,6 +46,10 @@ OutgoingMessageStore::StoreOutgoingMessage(const OutgoingMessage& message, QByte
     bodies.text = message.text;
     bodies.html = message.html;
     bodies.headers = headerText(message.cc, message.bcc);
+    // The index field holds only the start of a long list; the whole list
+    // travels in the header block, so no recipient is cut off.
+    if (const QByteArray to = recipients(message.to); to.size() > MailStore::kTextFieldSize)
+        bodies.headers.prepend("To: " + to + "\r\n");
 
     Result result;
     result.id = m_store.createMessage(folder, fields, bodies, {});

@@ -1,6 +1,7 @@
 #include "mail/transport/OutboxMessage.h"
 
 #include "mail/transport/AccountRecord.h"
+#include "mail/view/MessageView.h"
 
 namespace mirel {
 
@@ -43,16 +44,31 @@ void OutboxMessage::readStoredHeaders(QByteArrayView block, QByteArray& cc, QByt
     }
 }
 
+QByteArray OutboxMessage::crlf(QByteArrayView body) {
+    QByteArray out = body.toByteArray();
+    out.replace("\r\n", "\n").replace('\r', '\n').replace("\n", "\r\n");
+    return out;
+}
+
 OutgoingMail OutboxMessage::toOutgoing(const Stored& s) {
     OutgoingMail m;
     m.from = s.from;
     m.subject = s.subject;
-    m.text = s.text;
-    m.html = s.html;
+    m.text = crlf(s.text);
+    m.html = crlf(s.html);
     m.attachments = s.attachments;
+    // The store keeps the name as a parameter (name="a.pdf"); the recipient
+    // must see the plain name.
+    for (OutgoingMail::Attachment& a : m.attachments)
+        a.fileName = MessageView::attachmentName(a.fileName);
     QByteArray cc, bcc;
     readStoredHeaders(s.headers, cc, bcc, m.headers);
-    m.to = spaceQuotedCommas(s.to);
+    // A list too long for the index row is kept whole in the header block.
+    QByteArray to = s.to;
+    for (qsizetype i = 0; i < m.headers.size(); ++i)
+        if (m.headers[i].first.compare("to", Qt::CaseInsensitive) == 0)
+            to = m.headers.takeAt(i--).second;
+    m.to = spaceQuotedCommas(to);
     m.cc = spaceQuotedCommas(cc);
     m.bcc = spaceQuotedCommas(bcc);
     return m;

@@ -4,7 +4,8 @@
 // block of further header lines in the message row, and the attachment
 // files in their own rows. The further header lines carry the copy lists:
 // "Cc" and "Bcc" (any case) become the copy and blind-copy recipients, every
-// other line a header of its own. Commas inside double quotes belong to a
+// other line a header of its own; a "To" line there holds the whole list
+// when the index row could keep only its start. Commas inside double quotes belong to a
 // display name, so they are turned into spaces before any list is split.
 #include "mail/transport/EmailAccountList.h"
 #include "platform/OutgoingMail.h"
@@ -13,7 +14,7 @@ namespace mirel {
 
 /// The outbox's stored fields in, an OutgoingMail out; and which account sends.
 class OutboxMessage {
-  public:
+public:
     struct Stored {
         QByteArray from, to, subject;   // index row
         QByteArray text, html, headers; // message row
@@ -28,6 +29,8 @@ class OutboxMessage {
     static void readStoredHeaders(QByteArrayView block, QByteArray& cc, QByteArray& bcc,
                                   QList<std::pair<QByteArray, QByteArray>>& others);
     static OutgoingMail toOutgoing(const Stored& stored);
+    /// Every line end (CR, LF or CR LF) as CR LF, as SMTP wants it.
+    static QByteArray crlf(QByteArrayView body);
 
     /// The sender text an account writes into From: "\"" name "\" <" address ">".
     static QByteArray senderKey(QByteArrayView record);

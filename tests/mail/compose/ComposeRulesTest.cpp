@@ -1,0 +1,173 @@
+#include "TestSupport.h"
+#include "mail/compose/AddressPicker.h"
+#include "mail/compose/ComposePresets.h"
+#include "mail/compose/ForwardAttachments.h"
+#include "mail/store/MailStore.h"
+#include "mail/store/OutgoingMessageStore.h"
+#include "mail/transport/SendReceiveRunner.h"
+#include "platform/OutgoingMail.h"
+#include "platform/SettingsStore.h"
+#include "settings/IniHelpers.h"
+
+#include <QDir>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+// Catches: a "Re: " stacked on an answered subject, or a missing one when
+// the prefix lacks its space.
+TEST(ComposeRules, ReplySubject) {
+    const char* rows[][2] = {{"re: lunch", "re: lunch"},
+                             {"Lunch", "Re: Lunch"},
+                             {"RE:lunch", "Re: RE:lunch"},
+                             {"", "Re: "},
+                             {"Re", "Re: Re"}};
+    for (const auto& r : rows)
+        EXPECT_EQ(ComposeRules::replySubject(r[0]), r[1]) << r[0];
+}
+
+// Catches: a zone written from the hours alone (+0500 for +0545), a lost
+// sign west of UTC, the clock shown in UTC instead of the zone's time.
+TEST(ComposeRules, DateCarriesTheZonesOwnOffset) {
+    const QDateTime when(QDate(2026, 3, 2), QTime(9, 5, 7), Qt::UTC);
+    const struct {
+        int offset;
+        const char* expected;
+    } rows[] = {{3600, "Mon, 2 Mar 2026 10:05:07 +0100"},
+                {19800, "Mon, 2 Mar 2026 14:35:07 +0530"},
+                {20700, "Mon, 2 Mar 2026 14:50:07 +0545"},
+                {-10800, "Mon, 2 Mar 2026 06:05:07 -0300"},
+                {0, "Mon, 2 Mar 2026 09:05:07 +0000"}};
+    for (const auto& r : rows)
+        EXPECT_EQ(ComposeRules::dateText(when, QTimeZone(r.offset)), r.expected) << r.offset;
+}
+
+// Catches: quoted text read as markup (a "<b>" in a plain message), line
+// ends kept as raw bytes, the display-name rule off by one.
+TEST(ComposeRules, DocumentAndNames) {
+    ComposePresets p;
+    EXPECT_EQ(ComposeRules::initialDocument(p), ComposeRules::kBlankDocument);
+    p.quoteHeader = "<B>x</B>";
+    p.quotedText = "a <b> & c\r\nd";
+    EXPECT_EQ(ComposeRules::initialDocument(p),
+              "<HTML><HEAD><base target=_blank></HEAD><BODY BGCOLOR=#000000 TEXT=#FFFFFF>"
+              "a &lt;b&gt; &amp; c<BR>d</BODY></HTML>");
+    p.quotedHtml = "<P>html</P>";
+    EXPECT_EQ(ComposeRules::initialDocument(p), "<P>html</P>");
+    EXPECT_EQ(ComposeRules::attachmentDisplayName("/home/ann/report-2026.pdf"), "ort-2026.pdf");
+    EXPECT_EQ(ComposeRules::attachmentDisplayName("/tmp/abc.pdf"), "/tmp/abc.pdf");
+    EXPECT_EQ(ComposeRules::htmlText(QString::fromUtf8("Zoë <z@x> \u20ac \u0416 \U0001F600")),
+              "Zo\xEB &lt;z@x&gt; \x80 &#1046; &#128512;");
+}
+
+// Catches: sending from an account without a sender, or no preselection
+// when the default account cannot send.
+TEST(ComposeRules, PreselectedAccount) {
+    const QByteArray ok1 = "  One|p|u|pw|0|0|s|one@x.org|One|";
+    const QByteArray ok2 = "  Two|p|u|pw|0|0|s|two@x.org|Two|";
+    const QByteArray bad = "* Bad|p|u|pw|0|0|s|bad@x.org||";
+    const QByteArray def = "* Def|p|u|pw|0|0|s|def@x.org|Def|";
+    const struct {
+        QList<QByteArray> list;
+        qsizetype expected;
+    } rows[] = {{{ok1, def}, 1}, {{bad, ok1, ok2}, 0}, {{bad}, -1}, {{}, -1}};
+    for (const auto& r : rows) {
+        const EmailAccountList accounts(r.list);
+        EXPECT_EQ(ComposeRules::preselectedEntry(accounts, ComposeRules::usableAccounts(accounts)),
+                  r.expected);
+    }
+}
+
+// Catches: entries without an address offered, order by file instead of
+// name, a short file read past its end, ", " doubled or missing.
+TEST(AddressPickerTest, RowsAndResult) {
+    TempDir dir;
+    auto contact = [&](const char* file, const QByteArray& name, const QByteArray& address) {
+        QList<QByteArray> lines(17);
+        lines[0] = name;
+        lines[14] = address;
+        writeAll(dir.file(QString::fromLatin1(file)), lines.join("\r\n") + "\r\n");
+    };
+    contact("1.dat", "zoe", "z@x.org");
+    contact("2.dat", "Adam, Jr.", "a@x.org");
+    contact("3.dat", "No Mail", "");
+    writeAll(dir.file("4.dat"), "Short\r\n");
+    QList<QByteArray> rows;
+    for (const PickerRow& r : AddressPicker::rows(dir.path()))
+        rows.append(r.text);
+    EXPECT_EQ(rows, (QList<QByteArray>{"\"Adam, Jr.\" <a@x.org>", "\"zoe\" <z@x.org>"}));
+    EXPECT_EQ(AddressPicker::result(rows), "\"Adam, Jr.\" <a@x.org>, \"zoe\" <z@x.org>");
+    EXPECT_EQ(AddressPicker::appendTo("b@y", "c@z"), "b@y, c@z");
+    EXPECT_EQ(AddressPicker::appendTo("", "c@z"), "c@z");
+    EXPECT_EQ(AddressPicker::appendTo("b@y", ""), "b@y");
+}
+
+class ComposeStoreTest : public ::testing::Test {
+protected:
+    TempDir dir;
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 30, 5))};
+    RecordingMessageSink sink;
+    SettingsStore settings{dir.file("config")};
+    IniHelpers ini{sink, settings};
+    MailStore store{dir.file("prog"), clock, sink};
+
+    void SetUp() override {
+        QDir().mkpath(dir.file("prog"));
+        store.MailStoreStartup(ini);
+    }
+};
+
+// Catches: a stranger's attachment name leaving the scratch folder, the
+// unquoted-name rule, bytes changed on the way, files left after a forward.
+TEST_F(ComposeStoreTest, ForwardWritesPlainNamesInsideTheScratchFolder) {
+    const qint32 id = *store.createMessage("0", {}, {}, {});
+    const QByteArray binary("\x00\x01\xFF\r\n", 5);
+    store.addAttachment("0", id, {"name=\"a.pdf\"", binary});
+    store.addAttachment("0", id, {"plain.txt", "two"});
+    store.addAttachment("0", id, {"name=\"../../evil.sh\"", "three"});
+    const QString temp = dir.file("prog/EmailTemp");
+    const auto list = ForwardAttachments::PrepareForwardAttachments(store, "0", id, temp);
+    ASSERT_TRUE(list);
+    ASSERT_EQ(list->size(), 3);
+    EXPECT_EQ(ComposeRules::forwardEntry(list->at(0)).second, "a.pdf");
+    EXPECT_EQ(readAll(temp + "/a.pdf"), binary);
+    EXPECT_EQ(ComposeRules::forwardEntry(list->at(1)),
+              std::make_pair(temp + "/att2.att", QStringLiteral("plain.txt")));
+    EXPECT_EQ(ComposeRules::forwardEntry(list->at(2)).first, temp + "/att3.att");
+    EXPECT_FALSE(QFile::exists(dir.file("evil.sh")));
+    ForwardAttachments::emptyFolder(temp);
+    EXPECT_TRUE(QDir(temp).isEmpty());
+
+    store.addAttachment("0", id, {"name=\"empty\"", ""});
+    EXPECT_FALSE(ForwardAttachments::PrepareForwardAttachments(store, "0", id, temp));
+}
+
+// Catches: a To list cut at the index field's size, an attachment sent as
+// name="x", bare LF line ends reaching SMTP.
+TEST_F(ComposeStoreTest, OutboxKeepsEveryRecipientAndPlainNames) {
+    QByteArray to;
+    for (int i = 0; i < 30; ++i)
+        to += "\"Person " + QByteArray::number(i) + "\" <p" + QByteArray::number(i) + "@x.org>, ";
+    to.chop(2);
+    writeAll(dir.file("report.pdf"), "PDF");
+    OutgoingMessage m;
+    m.to = to;
+    m.from = "\"Me\" <me@x.org>";
+    m.text = "a\nb";
+    m.attachments = {dir.file("report.pdf")};
+    const auto r = OutgoingMessageStore(store).StoreOutgoingMessage(m, "1");
+    ASSERT_TRUE(r.ok());
+    const auto mail = SendReceiveRunner::readOutboxMessage(store, "1", *r.id);
+    ASSERT_TRUE(mail);
+    EXPECT_EQ(mail->to, to);
+    EXPECT_EQ(mail->text, "a\r\nb");
+    ASSERT_EQ(mail->attachments.size(), 1);
+    EXPECT_EQ(mail->attachments[0].fileName, "report.pdf");
+    for (const auto& h : mail->headers)
+        EXPECT_NE(h.first.toLower(), "to");
+}
+
+} // namespace

@@ -1,0 +1,153 @@
+#include "mail/compose/frmEmail.h"
+#include "TestSupport.h"
+#include "mail/compose/frmEmailHtml.h"
+#include "mail/store/MailStore.h"
+#include "platform/Cp1252.h"
+#include "platform/SettingsStore.h"
+#include "settings/Folders.h"
+#include "settings/IniHelpers.h"
+#include "ui/LayoutEngine.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+class frmEmailTest : public ::testing::Test {
+protected:
+    TempDir dir;
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 30, 5))};
+    RecordingMessageSink sink;
+    SettingsStore settings{dir.file("config")};
+    IniHelpers ini{sink, settings};
+    Folders folders{dir.file("prog"), QStringLiteral("\\theme\\")};
+    LayoutEngine engine{SkinContext{folders, ini, nullptr, false, 0}};
+    MailStore store{dir.file("prog"), clock, sink};
+    EmailAccountList accounts{{"* Home|p|u|pw|0|0|s|me@x.org|Me Myself|"}};
+    ComposePresets presets;
+
+    void SetUp() override {
+        QDir().mkpath(dir.file("prog/theme"));
+        writeAll(dir.file("prog/theme/terminal.skn"), "[DEFAULT]\r\nSound=0\r\n");
+        store.MailStoreStartup(ini);
+    }
+    std::unique_ptr<frmEmail> open() {
+        auto w = std::make_unique<frmEmail>(engine, accounts, presets, store, sink);
+        w->setColourPrompt([] { return std::optional<QColor>(QColor(255, 0, 0)); });
+        w->setTextPrompt([](const QString& p, const QString&) {
+            return p.startsWith(QLatin1String("Link")) ? QStringLiteral("http://a.b/?x=1&y")
+                                                       : QStringLiteral("https://x.org/y.png");
+        });
+        w->setClock([] { return QDateTime(QDate(2026, 3, 2), QTime(9, 5, 7), Qt::UTC); },
+                    QTimeZone(3600));
+        return w;
+    }
+};
+
+// Catches: a format the toolbar applies that does not reach the mail HTML
+// (or reaches it as Qt style attributes), a button not latched over its
+// format, and HTML that reads back into a different document.
+TEST_F(frmEmailTest, EveryToolbarFormatReachesTheTagVocabulary) {
+    const struct {
+        int tool;
+        const char* html;
+        bool latched;
+    } rows[] = {
+        {1, "<P><B>word</B></P>", true},
+        {2, "<P><I>word</I></P>", true},
+        {3, "<P><U>word</U></P>", true},
+        {4, "<P><FONT COLOR=#FF0000>word</FONT></P>", false},
+        {5, "<OL><LI>word</LI></OL>", true},
+        {6, "<UL><LI>word</LI></UL>", true},
+        {8, "<BLOCKQUOTE><P>word</P>\r\n</BLOCKQUOTE>", false},
+        {10, "<DIV ALIGN=center>word</DIV>", true},
+        {11, "<DIV ALIGN=right>word</DIV>", true},
+        {12, "<HR>", false},
+        {13, "<P><A HREF=\"http://a.b/?x=1&amp;y\">word</A></P>", true},
+        {14, "<IMG SRC=\"https://x.org/y.png\">", false},
+    };
+    for (const auto& r : rows) {
+        auto w = open();
+        w->DHTMLEdit1()->setPlainText(QStringLiteral("word"));
+        w->DHTMLEdit1()->selectAll();
+        if (r.tool >= 12) // these insert at the caret
+            w->DHTMLEdit1()->moveCursor(QTextCursor::End);
+        w->toolbar(r.tool);
+        if (r.tool < 12)
+            w->DHTMLEdit1()->selectAll();
+        const QByteArray html = frmEmailHtml::serialise(*w->DHTMLEdit1()->document());
+        EXPECT_TRUE(html.contains(r.html)) << r.tool << "\n" << html.constData();
+        EXPECT_FALSE(html.contains("style=")) << r.tool;
+        EXPECT_EQ(w->cmdBut(r.tool)->isChecked(), r.latched) << r.tool;
+        QTextDocument again;
+        again.setHtml(Cp1252::toUnicode(html));
+        EXPECT_EQ(frmEmailHtml::serialise(again), html) << r.tool;
+    }
+    auto w = open();
+    w->DHTMLEdit1()->setPlainText(QStringLiteral("word"));
+    w->applyFormat(QStringLiteral("Heading 2"));
+    EXPECT_EQ(w->currentFormat(), "Heading 2");
+    EXPECT_TRUE(frmEmailHtml::serialise(*w->DHTMLEdit1()->document()).contains("<H2>"));
+}
+
+// Catches: a send without recipients, an attachment listed twice, a
+// message stored without From, Date or its text part, a local picture
+// linked by file name.
+TEST_F(frmEmailTest, SendStoresTheMessageInTheOutbox) {
+    auto w = open();
+    w->runCommand("OK");
+    ASSERT_EQ(sink.shown.size(), 1u);
+    EXPECT_EQ(sink.shown[0].text, ComposeRules::kEmptyTo);
+    EXPECT_FALSE(w->sent());
+
+    w->setTextPrompt([](const QString&, const QString&) { return QStringLiteral("/etc/x.png"); });
+    w->toolbar(14);
+    EXPECT_EQ(sink.shown.size(), 2u);
+    EXPECT_FALSE(w->DHTMLEdit1()->toHtml().contains(QLatin1String("x.png")));
+
+    writeAll(dir.file("report-2026-final.pdf"), "PDF");
+    w->setFilePrompt([&] { return dir.file("report-2026-final.pdf"); });
+    w->toolbar(16);
+    w->toolbar(16);
+    ASSERT_EQ(w->lvAttachments()->count(), 1);
+    EXPECT_EQ(w->lvAttachments()->item(0)->text(), "et-final.pdf");
+
+    w->txtTO()->setText(QStringLiteral("\"Ann\" <ann@x.org>"));
+    w->txtSubject()->setText(QStringLiteral("Hello"));
+    w->DHTMLEdit1()->setPlainText(QStringLiteral("one\ntwo"));
+    w->runCommand("OK");
+    ASSERT_TRUE(w->sent());
+    const auto index = store.FillMessageIndexList("1");
+    ASSERT_EQ(index.size(), 1u);
+    EXPECT_EQ(index[0].from, "\"Me Myself\" <me@x.org>");
+    EXPECT_EQ(index[0].date, "Mon, 2 Mar 2026 10:05:07 +0100");
+    const auto row = store.readMessageRow("1", index[0].id);
+    EXPECT_TRUE(row->html.startsWith("<HTML><HEAD></HEAD><BODY BGCOLOR=#000000 TEXT=#FFFFFF>"));
+    EXPECT_EQ(row->text.trimmed(), "one\r\n\r\ntwo");
+    EXPECT_EQ(store.readAttachments("1", index[0].id).size(), 1u);
+}
+
+// Catches: typed text discarded by one click on "QUIT".
+TEST_F(frmEmailTest, QuitAsksBeforeDiscardingTypedText) {
+    auto w = open();
+    w->DHTMLEdit1()->insertPlainText(QStringLiteral("draft"));
+    sink.answer = false;
+    w->runCommand("QUIT");
+    EXPECT_EQ(sink.asked.size(), 1u);
+    EXPECT_FALSE(w->isFinished());
+    sink.answer = true;
+    w->runCommand("QUIT");
+    EXPECT_TRUE(w->isFinished());
+    EXPECT_TRUE(store.FillMessageIndexList("1").empty());
+}
+
+} // namespace
