@@ -118,15 +118,50 @@ def write_sample_data(prog):
         f.write("\r\n".join(cal + [""]).encode())
 
 
+def write_account(prog):
+    """One account that can send, so the compose window opens."""
+    record = "* Home|pop.example.org|ann|pw|0|0|smtp.example.org|ann@example.org|Ann Example|"
+    os.makedirs(os.path.join(prog, "Email"), exist_ok=True)
+    with open(os.path.join(prog, "Email", "accounts.ini"), "w") as f:
+        f.write("[Email]\r\n0=%s\r\n" % triplets(record))
+
+
+def click(display, x, y):
+    """A real pointer click, as the whole-program tests make it."""
+    sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
+    from test_sendreceive import click as test_click
+    test_click(display, x, y)
+
+
+def compose_shots(binary, theme, display, out, size):
+    """The compose window (placed at 40,10 of the main window), its format
+    menu (tool 0 at 20,222) and the address picker (EMAILTO at 20,90)."""
+    for name, at in [("compose", None), ("compose-menu", (40 + 34, 10 + 235)),
+                     ("compose-picker", (40 + 55, 10 + 103))]:
+        run = Run(binary, theme, display, sample=True, account=True)
+        try:
+            run.send("EMAIL")
+            time.sleep(1)
+            run.send("EMAILNEW")
+            time.sleep(2)
+            if at:
+                click(display, *at)
+            run.shot(os.path.join(out, "dialog-%s-%s.png" % (name, size)))
+        finally:
+            run.close()
+
+
 class Run:
     """One program folder with the theme, one settings store, one program."""
 
-    def __init__(self, binary, theme, display, sample=False):
+    def __init__(self, binary, theme, display, sample=False, account=False):
         self.binary = binary
         self.tmp = tempfile.mkdtemp(prefix="mirel-shots-")
         prog = os.path.join(self.tmp, "prog")
         if sample:
             write_sample_data(prog)
+        if account:
+            write_account(prog)
         name = os.path.basename(os.path.abspath(theme))
         shutil.copytree(theme, os.path.join(prog, "themes", name))
         preview = os.path.abspath(theme) + ".bmp"
@@ -194,6 +229,7 @@ def main():
                     run.shot(os.path.join(args.out, "%s-%s.png" % (screen.lower(), size)))
             finally:
                 run.close()
+            compose_shots(args.bin, args.theme, display, args.out, size)
             if size == args.sizes.split(",")[0]:
                 for dialog in DIALOGS:
                     run = Run(args.bin, args.theme, display)

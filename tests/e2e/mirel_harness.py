@@ -111,6 +111,17 @@ class Session:
     def store_file(self):
         return os.path.join(self.config, "TORVEX Terminal", "settings.ini")
 
+    def bundled_theme(self, debug=True):
+        """Copies the bundled theme in as "Test", its debug log switched on."""
+        theme = os.path.join(self.program_dir, "themes", "Test")
+        shutil.copytree(os.path.join(SOURCE_DIR, "themes", "Default"), theme)
+        skn = os.path.join(theme, "terminal.skn")
+        with open(skn, "rb") as f:
+            text = f.read()
+        with open(skn, "wb") as f:
+            f.write(text.replace(b"Debug=False", b"Debug=True") if debug else text)
+        return theme
+
     def start(self, timeout=30):
         self.proc = subprocess.Popen([MIREL_BIN], env=self.env, stdout=subprocess.PIPE,
                                      stderr=subprocess.DEVNULL)

@@ -5,7 +5,6 @@ accessibility layer, as a screen reader finds them), the source view, and a
 photograph of each step."""
 
 import os
-import shutil
 import sqlite3
 import subprocess
 import sys
@@ -16,7 +15,7 @@ from email.message import EmailMessage
 sys.path.insert(0, os.path.dirname(__file__))
 
 from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
-from mirel_harness import BUILD_DIR, SOURCE_DIR, Session  # noqa: E402
+from mirel_harness import BUILD_DIR, Session  # noqa: E402
 
 if __name__ == "__main__":
     run_in_private_bus(__file__)
@@ -77,13 +76,7 @@ class MailView(ScreenReaderCase):
         s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
                                      "QT_ACCESSIBILITY": "1"}, theme=False)
         self.addCleanup(s.close)
-        theme = os.path.join(s.program_dir, "themes", "Test")
-        shutil.copytree(os.path.join(SOURCE_DIR, "themes", "Default"), theme)
-        skn = os.path.join(theme, "terminal.skn")
-        with open(skn, "rb") as f:
-            text = f.read()
-        with open(skn, "wb") as f:
-            f.write(text.replace(b"Debug=False", b"Debug=True"))
+        s.bundled_theme()
 
         generated = os.path.join(s.tmp, "utf8.eml")
         utf8_message(generated)

@@ -32,8 +32,15 @@ QByteArray fragmentHtml(const QTextFragment& f) {
         families.first().compare(QString::fromLatin1(frmEmailHtml::kDefaultFont),
                                  Qt::CaseInsensitive) != 0)
         font += " FACE=" + attr(families.first());
-    if (fmt.hasProperty(QTextFormat::FontPointSize)) {
-        const int size = frmEmailHtml::htmlSize(fmt.fontPointSize());
+    // Typed text carries a point size; quoted HTML read back a size step.
+    if (fmt.hasProperty(QTextFormat::FontPointSize) ||
+        fmt.hasProperty(QTextFormat::FontSizeAdjustment)) {
+        const int size = fmt.hasProperty(QTextFormat::FontPointSize)
+                             ? frmEmailHtml::htmlSize(fmt.fontPointSize())
+                             : qBound(1,
+                                      frmEmailHtml::kDefaultSize +
+                                          fmt.intProperty(QTextFormat::FontSizeAdjustment),
+                                      7);
         if (size != frmEmailHtml::kDefaultSize)
             font += " SIZE=" + QByteArray::number(size);
     }
@@ -115,8 +122,8 @@ QByteArray frmEmailHtml::serialise(const QTextDocument& doc, bool forText) {
     for (QTextBlock block = doc.begin(); block.isValid(); block = block.next()) {
         const QTextBlockFormat bf = block.blockFormat();
         QTextList* list = block.textList();
-        // Indents nest as quotes; a list's own indent is the list's business.
-        const int quotes = list ? qMax(0, bf.indent()) : bf.indent();
+        // Indents nest as quotes; a quote read back from HTML is a margin.
+        const int quotes = bf.indent() + int(bf.leftMargin() / 40);
         if (list != openList || quotes != openQuotes)
             closeList();
         for (; openQuotes > quotes; --openQuotes)

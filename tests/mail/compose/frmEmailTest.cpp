@@ -79,7 +79,7 @@ TEST_F(frmEmailTest, EveryToolbarFormatReachesTheTagVocabulary) {
         auto w = open();
         w->DHTMLEdit1()->setPlainText(QStringLiteral("word"));
         w->DHTMLEdit1()->selectAll();
-        if (r.tool >= 12) // these insert at the caret
+        if (r.tool == 12 || r.tool == 14) // these insert at the caret
             w->DHTMLEdit1()->moveCursor(QTextCursor::End);
         w->toolbar(r.tool);
         if (r.tool < 12)
@@ -119,7 +119,7 @@ TEST_F(frmEmailTest, SendStoresTheMessageInTheOutbox) {
     w->toolbar(16);
     w->toolbar(16);
     ASSERT_EQ(w->lvAttachments()->count(), 1);
-    EXPECT_EQ(w->lvAttachments()->item(0)->text(), "et-final.pdf");
+    EXPECT_EQ(w->lvAttachments()->item(0)->text(), "26-final.pdf");
 
     w->txtTO()->setText(QStringLiteral("\"Ann\" <ann@x.org>"));
     w->txtSubject()->setText(QStringLiteral("Hello"));
