@@ -13,7 +13,7 @@ CTEST_J ?= 2
 DEPS := cmake g++ make pkg-config clang clang-format ccache \
 	qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-qpa-plugins \
 	qt6-image-formats-plugins libqt6svg6 \
-	libsqlitecpp-dev libsqlite3-dev sqlite3 libgmime-3.0-dev libcurl4-openssl-dev \
+	libsqlitecpp-dev libsqlite3-dev sqlite3 libgmime-3.0-dev libcurl4-openssl-dev libssl-dev \
 	libgtest-dev libgmock-dev libbenchmark-dev \
 	xvfb xauth x11-utils imagemagick sox fonts-dejavu-core \
 	python3-pyatspi at-spi2-core dbus dbus-x11 \

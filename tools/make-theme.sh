@@ -246,6 +246,12 @@ dialog bg_import.png 660 470 "IMPORT ADDRESSES"
 dialog bg_compose.png 940 540 "NEW MESSAGE"
 dialog bg_emailto.png 440 450 "ADDRESS BOOK"
 
+# The yes/no question asked before a theme starts a program and before a
+# connection to a server whose certificate or lack of TLS needs trusting.
+dialog bg_question.png 520 270 "PLEASE CONFIRM"
+button dlg_allow 96 30 "Allow" "$PANEL" go
+button dlg_refuse 96 30 "Refuse" "$PANEL"
+
 echo "compose tool bar"
 # Fixed tool bar of the compose window: 0 paragraph format, 1-3 bold italic
 # underline, 4 colour, 5-6 lists, 7-8 outdent indent, 9-11 alignment,

@@ -16,9 +16,11 @@ import datetime
 import os
 import select
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 SCREENS = ["AGENDA", "CALENDAR", "NOTES", "LOGBOOK", "TODO", "ADDRESS", "EMAIL"]
@@ -207,6 +209,45 @@ class Run:
         shutil.rmtree(self.tmp, ignore_errors=True)
 
 
+def clear_pop3_server():
+    """A POP3 server that offers no TLS: send/receive then asks whether to go
+    on without encryption, which shows the QUESTION dialog."""
+    listener = socket.socket()
+    listener.bind(("127.0.0.1", 0))
+    listener.listen(4)
+
+    def serve():
+        while True:
+            try:
+                conn, _ = listener.accept()
+            except OSError:
+                return
+            with conn:
+                conn.sendall(b"+OK ready\r\n")
+                while conn.recv(1024):
+                    conn.sendall(b"+OK\r\nUSER\r\n.\r\n")
+    threading.Thread(target=serve, daemon=True).start()
+    return listener
+
+
+def shoot_question(binary, theme, display, out):
+    listener = clear_pop3_server()
+    run = Run(binary, theme, display)
+    try:
+        prog = os.path.join(run.tmp, "prog")
+        os.makedirs(os.path.join(prog, "Email"), exist_ok=True)
+        record = "* Home|127.0.0.1:%d|ann|pw|0|0||ann@example.org|Ann|" % listener.getsockname()[1]
+        with open(os.path.join(prog, "Email", "accounts.ini"), "w") as f:
+            f.write("[Email]\r\n0=%s\r\n" % triplets(record))
+        run.send("EMAIL")
+        time.sleep(1)
+        run.send("EMAILSENDRECEIVE")
+        run.shot(os.path.join(out, "dialog-question.png"))
+    finally:
+        run.close()
+        listener.close()
+
+
 def main():
     here = os.path.dirname(os.path.abspath(__file__))
     ap = argparse.ArgumentParser(description=__doc__.splitlines()[0])
@@ -240,6 +281,7 @@ def main():
                         run.shot(os.path.join(args.out, "dialog-%s.png" % dialog.lower()))
                     finally:
                         run.close()
+                shoot_question(args.bin, args.theme, display, args.out)
         finally:
             stop(xvfb)
     return 0

@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 
+#include "app/CommandTable.h"
 #include "app/ShellValues.h"
 #include "app/SingleInstance.h"
 #include "platform/Cp1252.h"
@@ -21,8 +22,16 @@ CommandLine CommandLine::parse(const QStringList& args) {
         return out;
     }
     if (first == QLatin1String("--send") && args.size() == 2 && !args[1].isEmpty()) {
-        out.mode = Mode::Send;
         out.command = Cp1252::fromUnicode(args[1]);
+        // Anything a script can send would otherwise start any program a
+        // theme button names, without the question a click asks.
+        if (!matchCommand(out.command).matched()) {
+            out.mode = Mode::Invalid;
+            out.error = QStringLiteral("mirel: --send takes one of Mirel's own commands "
+                                       "(such as NOTES); it never starts a program");
+            return out;
+        }
+        out.mode = Mode::Send;
         return out;
     }
     out.mode = Mode::Invalid;

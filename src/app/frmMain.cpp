@@ -12,6 +12,7 @@
 #include "app/CommandTable.h"
 #include "app/OpenCommand.h"
 #include "app/PasswordGate.h"
+#include "app/ProgramConsent.h"
 #include "app/ShellValues.h"
 #include "app/SingleInstance.h"
 #include "app/SkinChoice.h"
@@ -25,6 +26,7 @@
 #include "ui/SkinButton.h"
 #include "ui/SoundPlayer.h"
 #include "ui/frmInput.h"
+#include "ui/frmQuestion.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -62,9 +64,15 @@ frmMain::frmMain(SettingsStore& store, MessageSink& messages, const Clock& clock
     m_mailboxTimer.setInterval(500);
     connect(&m_mailboxTimer, &QTimer::timeout, this, &frmMain::pollMailboxes);
     m_mailboxTimer.start();
+    // Dialog buttons that name a program go through the same question.
+    SkinDialog::programStarter() = [this](const QByteArray& command, QWidget* dialog) {
+        openWithDesktop(command, dialog);
+    };
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+    SkinDialog::programStarter() = nullptr;
+}
 
 QString frmMain::terminalSkn() const {
     return m_folders.themeFile(QStringLiteral("terminal.skn"));
@@ -269,8 +277,12 @@ void frmMain::pollMailboxes() {
         // from under it; the step finishes first. An open dialog is closed
         // as if cancelled, so that happens at once.
         m_exitPending = true;
-        if (QWidget* modal = QApplication::activeModalWidget())
+        // A question may stand over the dialog that asked it: close them all.
+        for (QWidget* modal = QApplication::activeModalWidget(); modal;) {
             modal->close();
+            QWidget* next = QApplication::activeModalWidget();
+            modal = next == modal ? nullptr : next;
+        }
         return;
     }
     ShutDown();
@@ -461,10 +473,17 @@ void frmMain::modeButtonClicked(int) {
     refreshAgendaEditor();
 }
 
-void frmMain::openWithDesktop(const QByteArray& command) {
+void frmMain::openWithDesktop(const QByteArray& command, QWidget* parent) {
     const OpenCommand open = OpenCommand::parse(command);
     QString target;
-    switch (open.classify(m_folders.ProgramDir, &target)) {
+    const OpenCommand::Target kind = open.classify(m_folders.ProgramDir, &target);
+    if (kind != OpenCommand::Target::Nothing &&
+        ProgramConsent::needsAsking(target, kind == OpenCommand::Target::Address) &&
+        !mayStart(command, target, parent ? parent : this)) {
+        log("Not started (refused): " + command);
+        return;
+    }
+    switch (kind) {
     case OpenCommand::Target::Program:
         QProcess::startDetached(target, QProcess::splitCommand(Cp1252::toUnicode(open.parameters)),
                                 m_folders.ProgramDir);
@@ -479,6 +498,30 @@ void frmMain::openWithDesktop(const QByteArray& command) {
         log("Nothing to open for " + command);
         break;
     }
+}
+
+bool frmMain::mayStart(const QByteArray& command, const QString& target, QWidget* parent) {
+    const ProgramConsent consent(m_folders.path(QStringLiteral("\\programs.ini")),
+                                 m_folders.ThemeDir);
+    switch (consent.answer(command)) {
+    case ProgramConsent::Answer::Allowed:
+        return true;
+    case ProgramConsent::Answer::Refused:
+        return false;
+    case ProgramConsent::Answer::Unknown:
+        break;
+    }
+    const QString title = QStringLiteral("Start a program?");
+    const QString text =
+        QStringLiteral("A button of this theme wants to start:\n\n%1\n\n(%2)\n\nStart it? "
+                       "Mirel remembers a yes for this theme and this command.")
+            .arg(Cp1252::toUnicode(command), target);
+    const bool yes = m_question ? m_question(title, text)
+                     : m_engine ? frmQuestion::ask(*m_engine, parent, title, text)
+                                : false;
+    if (!consent.remember(command, yes))
+        log("Cannot remember the answer for " + command);
+    return yes;
 }
 
 void frmMain::playTerminalSound(const char* key) {

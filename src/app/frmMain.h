@@ -84,6 +84,10 @@ public:
     void setPasswordPrompt(std::function<QByteArray()> prompt) { m_prompt = std::move(prompt); }
     /// Starts commands that name no operation; the default hands them to the desktop.
     void setOpenHandler(std::function<void(const QByteArray&)> open) { m_open = std::move(open); }
+    /// Replaces the skinned yes/no question (title, text) -> yes.
+    void setQuestion(std::function<bool(const QString&, const QString&)> ask) {
+        m_question = std::move(ask);
+    }
     /// Leaves out the single-instance rule (several windows in one test process).
     void setSingleInstanceEnabled(bool on) { m_singleInstance = on; }
     /// The selected priority button (0 = none).
@@ -103,7 +107,9 @@ private:
     void dispatch(const QByteArray& command);
     /// AGENDAP0..7: the slot's button becomes the lit, selected one.
     void choosePriority(int priority);
-    void openWithDesktop(const QByteArray& command);
+    void openWithDesktop(const QByteArray& command, QWidget* parent = nullptr);
+    /// Asks before a theme starts something for the first time.
+    bool mayStart(const QByteArray& command, const QString& target, QWidget* parent);
     QByteArray askPassword();
     void playTerminalSound(const char* key);
     void play(const QByteArray& name);
@@ -162,6 +168,7 @@ private:
     QStringList m_themeCandidates;
     std::function<QByteArray()> m_prompt;
     std::function<void(const QByteArray&)> m_open;
+    std::function<bool(const QString&, const QString&)> m_question;
 };
 
 } // namespace mirel

@@ -109,8 +109,7 @@ bool AgendaStore::write(const SortedList& lstAgUnSort) const {
         kv.append({QByteArray::number(i + 1), encodeTriplets(lstAgUnSort.text(i))});
     kv.append({"ID", QByteArray::number(lstAgUnSort.size())});
     const IniResult r = IniFile::modify(path(), [&](IniDocument& doc, bool) {
-        doc.setValues("AGENDA", kv);
-        return IniResult{};
+        return doc.setValues("AGENDA", kv) ? IniResult{} : IniFile::refused(path());
     });
     if (!r)
         m_ctx.reportFileError(r.error);

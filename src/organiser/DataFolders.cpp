@@ -1,4 +1,5 @@
 #include "organiser/DataFolders.h"
+#include "platform/PrivateFiles.h"
 
 #include "organiser/SortedList.h"
 #include "organiser/TextFile.h"
@@ -46,7 +47,7 @@ QString DataFolders::oldStore() const {
 void DataFolders::bootstrap() {
     for (const char* dir :
          {"\\Mirel", "\\Mirel\\Addressbook", "\\Mirel\\Logbook", "\\Mirel\\Notes", "\\Mirel\\Todo"})
-        QDir().mkpath(m_ctx.folders.path(QString::fromLatin1(dir)));
+        makePrivateFolder(m_ctx.folders.path(QString::fromLatin1(dir)));
 
     const QString dirs = m_ctx.directoriesIni();
     for (const QByteArray& key : {QByteArray("Logbook"), QByteArray("Notes"), QByteArray("Todo")})

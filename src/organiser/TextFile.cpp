@@ -1,4 +1,5 @@
 #include "organiser/TextFile.h"
+#include "platform/PrivateFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -50,9 +51,12 @@ std::optional<QByteArray> TextFile::readFirstLine(const QString& path, QString* 
 }
 
 bool TextFile::write(const QString& path, const QByteArray& bytes, QString* error) {
+    const NewFileGuard fresh(path);
     QSaveFile f(path);
-    if (f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size() && f.commit())
+    if (f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size() && f.commit()) {
+        fresh.done();
         return true;
+    }
     if (error)
         *error = describe(QStringLiteral("Cannot write"), path, f.errorString());
     return false;

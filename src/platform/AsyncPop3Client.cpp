@@ -69,6 +69,7 @@ void AsyncPop3Client::finish(quint64 generation, int action, const TransportErro
     if (generation != m_generation)
         return;
     m_busy = false;
+    m_lastFailure = error;
     if (error) {
         Q_EMIT failed(error.number, error.description);
         return;

@@ -40,6 +40,8 @@ class AsyncPop3Client : public QObject {
 
     int messageCount() const { return m_count; }
     const QByteArray& message() const { return m_message; }
+    /// The whole error behind the last failed(), certificate included.
+    const TransportError& lastFailure() const { return m_lastFailure; }
 
     /// Stops a running action, logs out and waits for the worker; no
     /// signal follows for the stopped action. Safe to call twice.
@@ -68,6 +70,7 @@ class AsyncPop3Client : public QObject {
     QByteArray m_fetched; // written on m_thread, handed over in finish()
     int m_fetchedCount = 0;
     TransportError m_lastError; // likewise
+    TransportError m_lastFailure;
 };
 
 } // namespace mirel

@@ -49,6 +49,7 @@ void AsyncSmtpClient::finish(quint64 generation, const TransportError& error) {
     if (generation != m_generation)
         return;
     m_busy = false;
+    m_lastFailure = error;
     if (error)
         Q_EMIT failed(error.number, error.description);
     else

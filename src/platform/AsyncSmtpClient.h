@@ -21,6 +21,8 @@ class AsyncSmtpClient : public QObject {
     /// False, and nothing starts, while a message is on its way.
     bool send(const MailServer& server, const OutgoingMail& mail, const QDateTime& now);
     bool isBusy() const { return m_busy; }
+    /// The whole error behind the last failed(), certificate included.
+    const TransportError& lastFailure() const { return m_lastFailure; }
     /// Stops the running send; no signal follows for it.
     void cancel();
 
@@ -39,6 +41,7 @@ class AsyncSmtpClient : public QObject {
     std::atomic<bool> m_traceEnabled{false};
     bool m_busy = false;
     quint64 m_generation = 0;
+    TransportError m_lastFailure;
 };
 
 } // namespace mirel

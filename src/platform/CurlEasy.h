@@ -1,6 +1,7 @@
 #pragma once
 // One libcurl easy handle with the settings every mail client here shares:
-// certificate checks always on, time limits from the server description,
+// certificate checks always on (against the system's CAs or the one
+// certificate the user accepted for the server), time limits from the server description,
 // an error buffer turned into TransportError, an abort flag another thread
 // may raise, and a protocol trace with secrets removed.
 //
@@ -35,6 +36,10 @@ class CurlEasy {
     void reset();
     /// Applies time limits, certificate settings and the callbacks.
     void configure(const MailServer& server);
+    /// STARTTLS before anything else is sent; a server that does not offer
+    /// it is refused (the password never goes out in clear) unless the user
+    /// allowed that server without TLS.
+    void requireStartTls(const MailServer& server);
 
     void setTrace(Trace trace) { m_trace = std::move(trace); }
     void setProgress(Progress progress) { m_progress = std::move(progress); }
@@ -61,6 +66,8 @@ class CurlEasy {
     Progress m_progress;
     std::atomic<bool> m_abort{false};
     qint64 m_lastDone = -1;
+    QByteArray m_pin;             // the accepted certificate's SHA-256, or empty
+    QByteArray m_peerFingerprint; // of the certificate seen in this perform
 };
 
 } // namespace mirel

@@ -222,12 +222,26 @@ void IniDocument::replaceRange(qsizetype from, qsizetype to, QByteArrayView with
     m_dirty = true;
 }
 
-void IniDocument::setValue(QByteArrayView section, QByteArrayView key, QByteArrayView value) {
-    setValues(section, {{key.toByteArray(), value.toByteArray()}});
+bool IniDocument::canWrite(QByteArrayView section, QByteArrayView key, QByteArrayView value) {
+    const auto breaksLine = [](QByteArrayView t) {
+        return t.contains('\r') || t.contains('\n') || t.contains('\0');
+    };
+    // A key line that starts like a header or a comment reads back as one.
+    const QByteArrayView name = key.trimmed();
+    const bool looksLikeOther = name.startsWith('[') || name.startsWith(';');
+    return !breaksLine(section) && !breaksLine(key) && !breaksLine(value) &&
+           !section.contains(']') && !key.contains('=') && !looksLikeOther;
 }
 
-void IniDocument::setValues(QByteArrayView section,
+bool IniDocument::setValue(QByteArrayView section, QByteArrayView key, QByteArrayView value) {
+    return setValues(section, {{key.toByteArray(), value.toByteArray()}});
+}
+
+bool IniDocument::setValues(QByteArrayView section,
                             const QList<std::pair<QByteArray, QByteArray>>& entries) {
+    for (const auto& [key, value] : entries)
+        if (!canWrite(section, key, value))
+            return false;
     // The last value given for a name wins, as if set one after another.
     QHash<QByteArray, qsizetype> pending; // folded name -> index into entries
     for (qsizetype i = 0; i < entries.size(); ++i)
@@ -258,7 +272,7 @@ void IniDocument::setValues(QByteArrayView section,
         add += '[' + section.toByteArray() + ']' + kCrLf;
         add += newLines();
         replaceRange(m_bytes.size(), m_bytes.size(), add);
-        return;
+        return true;
     }
 
     // Rebuild the section's lines: the first key of each name is replaced
@@ -294,6 +308,7 @@ void IniDocument::setValues(QByteArrayView section,
     add += newLines();
     body.insert(insertAt, add);
     replaceRange(from, to, body);
+    return true;
 }
 
 bool IniDocument::removeKey(QByteArrayView section, QByteArrayView key) {

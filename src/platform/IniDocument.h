@@ -48,11 +48,19 @@ class IniDocument {
     /// section without a lookup per key.
     QHash<QByteArray, QByteArray> sectionValues(QByteArrayView section) const;
 
+    /// False when writing the text would change the file's structure rather
+    /// than one value: a line break or NUL anywhere, "]" in a section name,
+    /// "=" in a key name or one starting with "[" or ";". Typed text reaches the
+    /// writers, so one value must never turn into another key or section.
+    static bool canWrite(QByteArrayView section, QByteArrayView key, QByteArrayView value);
+
     /// Replaces the first key of that name in place, or appends it at the end
-    /// of its section, or appends the section at the end of the file.
-    void setValue(QByteArrayView section, QByteArrayView key, QByteArrayView value);
-    /// Many setValue calls on one section in one pass over the file.
-    void setValues(QByteArrayView section, const QList<std::pair<QByteArray, QByteArray>>& entries);
+    /// of its section, or appends the section at the end of the file. Writes
+    /// nothing and returns false when canWrite refuses the text.
+    bool setValue(QByteArrayView section, QByteArrayView key, QByteArrayView value);
+    /// Many setValue calls on one section in one pass over the file; all or
+    /// nothing.
+    bool setValues(QByteArrayView section, const QList<std::pair<QByteArray, QByteArray>>& entries);
     /// Returns false when the section does not exist; a missing key is no error.
     bool removeKey(QByteArrayView section, QByteArrayView key);
     /// Removes the header and every line up to the next section header.

@@ -1,4 +1,5 @@
 #include "platform/IniFile.h"
+#include "platform/PrivateFiles.h"
 
 #include "platform/PathResolver.h"
 
@@ -54,6 +55,7 @@ IniResult IniFile::read(const QString& path, QByteArrayView section, QByteArrayV
 
 IniResult IniFile::save(const QString& rawPath, const QByteArray& bytes) {
     const QString path = resolvePath(rawPath);
+    const NewFileGuard fresh(path);
     QSaveFile f(path);
     if (!f.open(QIODevice::WriteOnly))
         return ioError(QStringLiteral("Cannot write"), path, f.errorString());
@@ -63,6 +65,7 @@ IniResult IniFile::save(const QString& rawPath, const QByteArray& bytes) {
     }
     if (!f.commit())
         return ioError(QStringLiteral("Cannot write"), path, f.errorString());
+    fresh.done();
     return {};
 }
 
@@ -89,10 +92,18 @@ IniResult IniFile::modify(const QString& rawPath,
 
 IniResult IniFile::write(const QString& path, QByteArrayView section, QByteArrayView key,
                          QByteArrayView value) {
+    if (!IniDocument::canWrite(section, key, value))
+        return refused(path);
     return modify(path, [&](IniDocument& doc, bool) {
         doc.setValue(section, key, value);
         return IniResult{};
     });
+}
+
+IniResult IniFile::refused(const QString& path) {
+    return ioError(QStringLiteral("Cannot write"), resolvePath(path),
+                   QStringLiteral("the text holds a line break, a NUL or a bracket that would "
+                                  "change the file's layout"));
 }
 
 IniResult IniFile::removeKey(const QString& path, QByteArrayView section, QByteArrayView key) {

@@ -26,8 +26,11 @@ public:
     static IniResult load(const QString& path, QByteArray& bytes);
     static IniResult read(const QString& path, QByteArrayView section, QByteArrayView key,
                           QByteArray& value);
+    /// IoError without touching the file when IniDocument::canWrite refuses.
     static IniResult write(const QString& path, QByteArrayView section, QByteArrayView key,
                            QByteArrayView value);
+    /// The IoError of a write whose text IniDocument::canWrite refuses.
+    static IniResult refused(const QString& path);
     /// Missing when the file or the section does not exist.
     static IniResult removeKey(const QString& path, QByteArrayView section, QByteArrayView key);
     static IniResult removeSection(const QString& path, QByteArrayView section);

@@ -36,9 +36,8 @@ TransportError Pop3Client::connect(const MailServer& server) {
     m_server = server;
     m_easy.clearAbort();
     m_easy.configure(server);
-    CURL* c = m_easy.handle();
     if (!implicitTls(server))
-        curl_easy_setopt(c, CURLOPT_USE_SSL, long(CURLUSESSL_TRY));
+        m_easy.requireStartTls(server);
     // STAT is answered on one line: it logs in and gives the count without
     // listing every message.
     TransportError e = command("STAT", 0);

@@ -1,4 +1,5 @@
 #include "platform/SettingsStore.h"
+#include "platform/PrivateFiles.h"
 
 #include "platform/IniFile.h"
 
@@ -27,7 +28,7 @@ QByteArray SettingsStore::GetSetting(const QString& app, QByteArrayView section,
 
 bool SettingsStore::SaveSetting(const QString& app, QByteArrayView section, QByteArrayView key,
                                 QByteArrayView value, QString* error) {
-    QDir().mkpath(m_root + QLatin1Char('/') + app);
+    makePrivateFolder(m_root + QLatin1Char('/') + app);
     const IniResult r = IniFile::write(fileFor(app), section, key, value);
     if (!r && error)
         *error = r.error;

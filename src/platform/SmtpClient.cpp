@@ -135,7 +135,7 @@ TransportError SmtpClient::send(const MailServer& server, const OutgoingMail& ma
     CURL* c = m_easy.handle();
     curl_easy_setopt(c, CURLOPT_URL, urlFor(server).constData());
     if (!urlFor(server).startsWith("smtps"))
-        curl_easy_setopt(c, CURLOPT_USE_SSL, long(CURLUSESSL_TRY));
+        m_easy.requireStartTls(server);
     curl_easy_setopt(c, CURLOPT_MAIL_FROM, ('<' + from[0].address + '>').constData());
     curl_easy_setopt(c, CURLOPT_MAIL_RCPT, recipients.get());
 

@@ -1,4 +1,5 @@
 #include "platform/SqliteDb.h"
+#include "platform/PrivateFiles.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -20,6 +21,11 @@ SqliteDb::SqliteDb(const QString& path, int busyTimeoutMs) : m_path(path) {
 }
 
 void SqliteDb::create(const QString& path, const char* schemaSql) {
+    // Made private before SQLite opens it; its journals take the same mode.
+    if (!QFileInfo::exists(path)) {
+        QFile f(path);
+        f.open(QIODevice::WriteOnly | QIODevice::NewOnly, kPrivateFile);
+    }
     try {
         SQLite::Database db(QFile::encodeName(path).toStdString(),
                             SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);

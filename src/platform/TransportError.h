@@ -8,9 +8,22 @@ namespace mirel {
 struct TransportError {
     int number = 0;
     QByteArray description;
+    /// SHA-256 (lower-case hex) of the certificate the server presented,
+    /// when the failure happened after it was seen.
+    QByteArray peerFingerprint;
 
     explicit operator bool() const { return number != 0; }
+    /// The server offers no TLS and the password was therefore not sent.
+    bool noTls() const;
+    /// The server's certificate was refused (untrusted, or not the one the
+    /// user accepted); peerFingerprint names it.
+    bool untrustedCertificate() const;
     static TransportError ok() { return {}; }
+
+    /// What went wrong in words a user understands, naming the server
+    /// ("Could not connect to mail.example.org port 110: connection
+    /// refused"); the technical description stays for the debug log.
+    QByteArray inWords(QByteArrayView host, int port) const;
 };
 
 } // namespace mirel

@@ -1,4 +1,5 @@
 #include "settings/DebugLog.h"
+#include "platform/PrivateFiles.h"
 
 #include "platform/PathResolver.h"
 
@@ -22,7 +23,7 @@ void DebugLog::WriteDebugLog(QByteArrayView message) const {
     // Appending one short line is as close to atomic as a log needs; the log
     // is the one file written without error handling.
     QFile f(path());
-    if (f.open(QIODevice::WriteOnly | QIODevice::Append))
+    if (f.open(QIODevice::WriteOnly | QIODevice::Append, kPrivateFile))
         f.write(formatLine(m_clock.now(), message));
 }
 

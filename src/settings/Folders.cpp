@@ -1,4 +1,5 @@
 #include "settings/Folders.h"
+#include "platform/PrivateFiles.h"
 
 #include "platform/IniFile.h"
 #include "platform/PathResolver.h"
@@ -27,7 +28,7 @@ Folders Folders::fromStore(const SettingsStore& store) {
         if (data.isEmpty())
             data = QDir::homePath() + QStringLiteral("/.local/share");
         f.ProgramDir = data + QStringLiteral("/mirel");
-        QDir().mkpath(f.ProgramDir);
+        makePrivateFolder(f.ProgramDir);
     }
     // A present but empty ThemeDir puts the theme files straight into
     // ProgramDir; only a missing key means the bundled theme's folder.

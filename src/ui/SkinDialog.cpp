@@ -4,14 +4,15 @@
 #include "settings/CommaList.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
+#include "skin/Placement.h"
 #include "ui/LayoutEngine.h"
 #include "ui/ShapeWindow.h"
 
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QGuiApplication>
-#include <QProcess>
 #include <QScreen>
+#include <QWidget>
 
 namespace mirel {
 
@@ -25,14 +26,18 @@ SkinDialog::SkinDialog(const LayoutEngine& engine, QByteArray section, const QSt
     setWindowTitle(title);
     setAccessibleName(title);
     setAttribute(Qt::WA_DeleteOnClose, false);
-    m_run = [dir = context().folders.ProgramDir](const QByteArray& command) {
-        QStringList args = QProcess::splitCommand(Cp1252::toUnicode(command));
-        if (!args.isEmpty())
-            QProcess::startDetached(args.takeFirst(), args, dir);
+    m_run = [this](const QByteArray& command) {
+        if (const auto& run = programStarter())
+            run(command, this);
     };
 }
 
 SkinDialog::~SkinDialog() = default;
+
+std::function<void(const QByteArray&, QWidget*)>& SkinDialog::programStarter() {
+    static std::function<void(const QByteArray&, QWidget*)> starter;
+    return starter;
+}
 
 const SkinContext& SkinDialog::context() const {
     return m_engine->context();
@@ -81,6 +86,31 @@ void SkinDialog::finish() {
     hide();
     if (m_loop)
         m_loop->quit();
+}
+
+void SkinDialog::applyBox(QWidget* box, const QByteArray& value) const {
+    const QList<QByteArray> f = splitCommaList(value);
+    auto field = [&f](int i) { return i < f.size() ? f[i] : QByteArray(); };
+    box->setGeometry(
+        placeRect(field(0), field(1), field(2), field(3), size(), StretchRule::BelowOne, false));
+    QPalette pal = box->palette();
+    if (f.size() >= 7) {
+        const Rgb b = parseRgb(f.mid(4, 3).join(','));
+        pal.setColor(QPalette::Base, QColor(b.r, b.g, b.b));
+        pal.setColor(QPalette::Window, QColor(b.r, b.g, b.b)); // labels fill with this
+    }
+    if (f.size() >= 10) {
+        const Rgb t = parseRgb(f.mid(7, 3).join(','));
+        pal.setColor(QPalette::Text, QColor(t.r, t.g, t.b));
+        pal.setColor(QPalette::WindowText, QColor(t.r, t.g, t.b));
+    }
+    box->setPalette(pal);
+    QFont font = box->font();
+    if (!field(10).trimmed().isEmpty())
+        font.setFamily(Cp1252::toUnicode(field(10).trimmed()));
+    if (const long pt = leadingNumber(field(11)); pt > 0 && pt < 500)
+        font.setPointSize(int(pt));
+    box->setFont(font);
 }
 
 void SkinDialog::startProgram(const QByteArray& command) const {

@@ -28,9 +28,12 @@ public:
     /// Shows the dialog modally, centred over its parent; returns once it finished.
     void exec();
     bool isFinished() const { return m_finished; }
-    /// Starts commands the dialog does not know; by default as a detached
-    /// program in the program folder.
+    /// Starts commands the dialog does not know; by default through
+    /// programStarter.
     void setCommandRunner(std::function<void(const QByteArray&)> run) { m_run = std::move(run); }
+    /// How every dialog starts a theme's command (the main window asks the
+    /// user first); unset, such commands do nothing.
+    static std::function<void(const QByteArray&, QWidget*)>& programStarter();
 
 protected:
     SkinDialog(const LayoutEngine& engine, QByteArray section, const QString& title,
@@ -55,6 +58,9 @@ protected:
     virtual void onShown() {}
     virtual void onFinish() {}
     void startProgram(const QByteArray& command) const;
+    /// Places a text box from a skin value
+    /// "left,top,width,height,R,G,B (ground),R,G,B (text),font,size".
+    void applyBox(QWidget* box, const QByteArray& value) const;
 
     void closeEvent(QCloseEvent* event) override;
 

@@ -1,10 +1,8 @@
 #include "ui/frmInput.h"
 
 #include "platform/Cp1252.h"
-#include "settings/CommaList.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
-#include "skin/Placement.h"
 #include "ui/LayoutEngine.h"
 #include "ui/SoundPlayer.h"
 
@@ -49,7 +47,7 @@ frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* paren
     layOut(QSize(320, 120));
     IniHelpers& ini = context().ini;
     if (ini.ReadIniKey(kSection, "InputBox", skinFile()))
-        applyInputBox(ini.IniValue);
+        applyBox(m_input, ini.IniValue);
     else
         m_input->setGeometry(10, 10, width() - 20, 24);
     m_input->raise();
@@ -60,29 +58,6 @@ frmInput::~frmInput() = default;
 
 void frmInput::onShown() {
     m_input->setFocus();
-}
-
-void frmInput::applyInputBox(const QByteArray& value) {
-    const QList<QByteArray> f = splitCommaList(value);
-    auto field = [&f](int i) { return i < f.size() ? f[i] : QByteArray(); };
-    m_input->setGeometry(
-        placeRect(field(0), field(1), field(2), field(3), size(), StretchRule::BelowOne, false));
-    QPalette pal = m_input->palette();
-    if (f.size() >= 7) {
-        const Rgb b = parseRgb(f.mid(4, 3).join(','));
-        pal.setColor(QPalette::Base, QColor(b.r, b.g, b.b));
-    }
-    if (f.size() >= 10) {
-        const Rgb t = parseRgb(f.mid(7, 3).join(','));
-        pal.setColor(QPalette::Text, QColor(t.r, t.g, t.b));
-    }
-    m_input->setPalette(pal);
-    QFont font = m_input->font();
-    if (!field(10).trimmed().isEmpty())
-        font.setFamily(Cp1252::toUnicode(field(10).trimmed()));
-    if (const long pt = leadingNumber(field(11)); pt > 0 && pt < 500)
-        font.setPointSize(int(pt));
-    m_input->setFont(font);
 }
 
 void frmInput::confirm() {

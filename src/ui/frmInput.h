@@ -30,7 +30,6 @@ protected:
 
 private:
     void confirm();
-    void applyInputBox(const QByteArray& value);
 
     QLineEdit* m_input;
     QByteArray m_result;

@@ -8,9 +8,12 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
+#include <QLocalServer>
 #include <QThread>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace mirel;
 
@@ -25,7 +28,9 @@ TEST(CommandLine, OnlySendAndQuitAreOptions) {
         {{}, M::Run, {}},
         {{"--quit"}, M::Quit, {}},
         {{"--send", "NOTES"}, M::Send, "NOTES"},
-        {{"--send", "\"/usr/bin/x y\" -a"}, M::Send, "\"/usr/bin/x y\" -a"},
+        // A program never travels through --send, whatever a theme's buttons say.
+        {{"--send", "\"/usr/bin/x y\" -a"}, M::Invalid, "\"/usr/bin/x y\" -a"},
+        {{"--send", "xterm"}, M::Invalid, "xterm"},
         {{"--send"}, M::Invalid, {}},
         {{"--send", ""}, M::Invalid, {}},
         {{"--quit", "now"}, M::Invalid, {}},
@@ -79,6 +84,32 @@ TEST(SingleInstance, SecondClaimRaisesTheFirst) {
     EXPECT_FALSE(secondClaimed);
     EXPECT_TRUE(pingAnswered);
     EXPECT_EQ(raised, 1) << "a ping does not raise";
+}
+
+// Catches a socket others can create first, and a start that hangs or gives
+// up when whoever listens there never answers.
+TEST(SingleInstance, PrivateSocketAndNoHangOnASilentListener) {
+    test::TempDir dir;
+    const QByteArray oldRuntime = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", dir.path().toUtf8());
+    QDir().mkdir(dir.file("mirel"));
+    QFile::setPermissions(dir.file("mirel"), QFile::ReadOwner | QFile::WriteOwner |
+                                                 QFile::ExeOwner | QFile::ReadOther |
+                                                 QFile::ExeOther);
+    const QString name = SingleInstance::serverName(dir.file("store"));
+    EXPECT_TRUE(name.startsWith(dir.file("mirel/"))) << name.toStdString();
+    struct stat st {};
+    ASSERT_EQ(::stat(QFile::encodeName(dir.file("mirel")).constData(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0700u);
+
+    QLocalServer silent; // accepts (the kernel does) but never answers
+    ASSERT_TRUE(silent.listen(name));
+    QElapsedTimer t;
+    t.start();
+    SingleInstance first(name);
+    EXPECT_TRUE(first.claimOrRaiseOther());
+    EXPECT_LT(t.elapsed(), 4000);
+    qputenv("XDG_RUNTIME_DIR", oldRuntime);
 }
 
 TEST(BundledTheme, CopiedOnceIntoAnEmptyThemeFolder) {

@@ -163,6 +163,9 @@ class SendReceive(unittest.TestCase):
         os.makedirs(os.path.join(self.s.program_dir, "Email"), exist_ok=True)
         with open(os.path.join(self.s.program_dir, "Email", "accounts.ini"), "w") as f:
             f.write("[Email]\r\n0=%s\r\n" % triplets(record))
+        # The test server speaks in the clear: approved beforehand, as a script may.
+        with open(os.path.join(self.s.program_dir, "Email", "servers.ini"), "w") as f:
+            f.write("[127.0.0.1:%d]\r\nPlaintext=1\r\n" % port)
 
     def open_window(self):
         s = self.s

@@ -123,3 +123,35 @@ TEST(IniFile, KilledWriterLeavesOldOrNewFileNeverATornOne) {
 }
 
 } // namespace
+
+// Catches typed text (a --send command, a folder name, a skin value) that
+// smuggles a new key or section into a shared file: each write is refused
+// and the file stays byte for byte as it was.
+TEST(IniFile, RefusesTextThatWouldAddKeysOrSections) {
+    const struct {
+        QByteArray section, key, value;
+    } cases[] = {
+        {"Voice", "Mirel", "NOTES\r\n[Injected]\r\nk=v"},
+        {"Voice", "Mirel", "a\nb=c"},
+        {"Voice", "Mirel", QByteArray("a\0b", 3)},
+        {"Voice", "Mirel", "a\rb"},
+        {"Voice]\r\n[X", "k", "v"},
+        {"Vo]ice", "k", "v"},
+        {"Voice", "k\r\nX=1", "v"},
+        {"Voice", "k=1", "v"},
+        {"Voice", "[Injected]", "v"},
+        {"Voice", " ;comment", "v"},
+    };
+    TempDir dir;
+    const QString file = dir.file("shared.ini");
+    ASSERT_TRUE(IniFile::write(file, "Voice", "Mirel", "NOTES"));
+    const QByteArray before = readAll(file);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.section + " / " + c.key + " / " + c.value);
+        EXPECT_EQ(IniFile::write(file, c.section, c.key, c.value).status, IniResult::IoError);
+        IniDocument doc(before);
+        EXPECT_FALSE(doc.setValues(c.section, {{"ok", "1"}, {c.key, c.value}}));
+        EXPECT_EQ(doc.bytes(), before);
+    }
+    EXPECT_EQ(readAll(file), before);
+}

@@ -1,4 +1,5 @@
 #include "mail/store/MailStore.h"
+#include "platform/PrivateFiles.h"
 
 #include "platform/Cp1252.h"
 #include "platform/PathResolver.h"
@@ -112,11 +113,11 @@ QString MailStore::tempDir() const {
 }
 
 QList<QByteArray> MailStore::MailStoreStartup(IniHelpers& ini) {
-    QDir().mkpath(tempDir());
+    makePrivateFolder(tempDir());
     for (const QByteArray& k : {kInbox, kOutbox, kSent, kDeleted}) {
         if (!missingOrEmpty(databasePath(k, kDataFile)))
             continue;
-        QDir().mkpath(folderDir(k));
+        makePrivateFolder(folderDir(k));
         CreateDataDatabase(k);
         CreateIndexDatabase(k);
         CreateAttachmentsDatabase(k);

@@ -1,4 +1,5 @@
 #include "mail/transport/AccountsFile.h"
+#include "platform/PrivateFiles.h"
 
 #include "settings/TripletCodec.h"
 
@@ -9,18 +10,16 @@
 namespace mirel {
 namespace {
 
-constexpr QFileDevice::Permissions kOwnerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-
 // Creates the file empty and private when it is missing, so that no write
 // below ever leaves the passwords in a file others may read.
 void makePrivate(const QString& path) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
+    makePrivateFolder(QFileInfo(path).absolutePath());
     if (!QFileInfo::exists(path)) {
         QFile f(path);
         if (f.open(QIODevice::WriteOnly))
             f.close();
     }
-    QFile::setPermissions(path, kOwnerOnly);
+    QFile::setPermissions(path, kPrivateFile);
 }
 
 } // namespace
@@ -28,6 +27,10 @@ void makePrivate(const QString& path) {
 EmailAccountList AccountsFile::LoadAccounts() const {
     EmailAccountList list;
     const QString file = path();
+    // A file left readable by an older version or another tool holds
+    // passwords too.
+    if (QFileInfo::exists(file))
+        QFile::setPermissions(file, kPrivateFile);
     for (int i = 0; m_ini.ReadIniKey(kSection, QByteArray::number(i), file); ++i)
         list.append(decodeTriplets(m_ini.IniValue));
     return list;
@@ -42,7 +45,7 @@ bool AccountsFile::SaveAccounts(const EmailAccountList& accounts) const {
         ok = m_ini.WriteIniKey(kSection, QByteArray::number(i), encodeTriplets(accounts.at(i)),
                                file);
     // The file is replaced on every write; keep the replacement private too.
-    QFile::setPermissions(file, kOwnerOnly);
+    QFile::setPermissions(file, kPrivateFile);
     return ok;
 }
 

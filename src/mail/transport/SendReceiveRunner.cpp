@@ -4,6 +4,7 @@
 #include "mail/store/DuplicateDetector.h"
 #include "mail/store/MailStore.h"
 #include "mail/transport/OutboxMessage.h"
+#include "mail/transport/ServerTrust.h"
 #include "platform/AsyncPop3Client.h"
 #include "platform/AsyncSmtpClient.h"
 #include "platform/Clock.h"
@@ -47,20 +48,40 @@ SendReceiveRunner::SendReceiveRunner(MailStore& store, IniHelpers& ini, const Cl
         if (!m_closed)
             m_session->pop3Completed(m_pop3->messageCount());
     });
-    connect(m_pop3.get(), &AsyncPop3Client::failed, this,
-            [this](int number, const QByteArray& description) {
-                if (!m_closed)
-                    m_session->pop3Failed(number, description);
-            });
+    connect(m_pop3.get(), &AsyncPop3Client::failed, this, [this](int number, const QByteArray&) {
+        if (m_closed)
+            return;
+        const TransportError error = m_pop3->lastFailure();
+        const MailServer used = prepared(m_pop3Server);
+        if (askedAndTrusted(used, error)) {
+            if (!m_closed)
+                startPop3(m_pop3Action, m_pop3Server, m_pop3->messageNumber());
+            return;
+        }
+        if (!m_closed)
+            m_session->pop3Failed(number, failureWords(used, error));
+    });
     connect(m_smtp.get(), &AsyncSmtpClient::sent, this, [this] {
         if (!m_closed)
             m_session->smtpSent();
     });
-    connect(m_smtp.get(), &AsyncSmtpClient::failed, this,
-            [this](int number, const QByteArray& description) {
-                if (!m_closed)
-                    m_session->smtpFailed(number, description);
-            });
+    connect(m_smtp.get(), &AsyncSmtpClient::failed, this, [this](int number, const QByteArray&) {
+        if (m_closed)
+            return;
+        const TransportError error = m_smtp->lastFailure();
+        const MailServer used = prepared(m_smtpServer);
+        if (askedAndTrusted(used, error)) {
+            if (m_closed)
+                return;
+            const TransportError again =
+                SendOutboxMessage(MailStore::kOutbox, m_sendingId, m_smtpServer);
+            if (again)
+                m_session->smtpFailed(again.number, again.description);
+            return;
+        }
+        if (!m_closed)
+            m_session->smtpFailed(number, failureWords(used, error));
+    });
 }
 
 SendReceiveRunner::~SendReceiveRunner() {
@@ -84,10 +105,44 @@ void SendReceiveRunner::close() {
     m_smtp->cancel();
 }
 
-void SendReceiveRunner::startPop3(int action, const MailServer& server, int messageNumber) {
+MailServer SendReceiveRunner::prepared(const MailServer& server) const {
     MailServer s = server;
+    if (!m_trustFile.isEmpty())
+        ServerTrust(m_trustFile).apply(s);
     if (m_tune)
         m_tune(s);
+    return s;
+}
+
+bool SendReceiveRunner::askedAndTrusted(const MailServer& used, const TransportError& error) {
+    const ServerTrust::Question q = ServerTrust::questionFor(used, error);
+    if (q == ServerTrust::Question::None || !m_ask || m_trustFile.isEmpty())
+        return false;
+    const QByteArray asked = ServerTrust::sectionFor(used) + ' ' + QByteArray::number(int(q)) +
+                             ' ' + error.peerFingerprint;
+    if (m_asked.contains(asked))
+        return false; // asked in this run already: no second question
+    m_asked.insert(asked);
+    if (!m_ask(ServerTrust::title(q), ServerTrust::text(used, q, error.peerFingerprint)))
+        return false;
+    if (!ServerTrust(m_trustFile).remember(used, q, error.peerFingerprint)) {
+        log("Cannot write " + m_trustFile.toUtf8());
+        return false;
+    }
+    log("Trusted " + ServerTrust::sectionFor(used) +
+        (q == ServerTrust::Question::NoTls ? " without TLS" : " " + error.peerFingerprint));
+    return true;
+}
+
+QByteArray SendReceiveRunner::failureWords(const MailServer& used, const TransportError& error) {
+    log("Error " + QByteArray::number(error.number) + ": " + error.description);
+    return error.inWords(used.host, used.port);
+}
+
+void SendReceiveRunner::startPop3(int action, const MailServer& server, int messageNumber) {
+    m_pop3Server = server;
+    m_pop3Action = action;
+    const MailServer s = prepared(server);
     m_pop3->setServer(s);
     m_pop3->setMessageNumber(messageNumber);
     if (!m_pop3->start(action)) {
@@ -140,10 +195,9 @@ TransportError SendReceiveRunner::SendOutboxMessage(QByteArrayView folder, qint3
     const std::optional<OutgoingMail> mail = readOutboxMessage(m_store, folder, id);
     if (!mail)
         return {-1, "Message " + QByteArray::number(id) + " could not be read from the outbox"};
-    MailServer s = server;
-    if (m_tune)
-        m_tune(s);
-    if (!m_smtp->send(s, *mail, m_clock.now()))
+    m_smtpServer = server;
+    m_sendingId = id;
+    if (!m_smtp->send(prepared(server), *mail, m_clock.now()))
         return {-1, "The mail client is busy"};
     return TransportError::ok();
 }

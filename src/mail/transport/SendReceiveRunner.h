@@ -10,6 +10,7 @@
 #include "mail/transport/SendReceiveSession.h"
 
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -35,6 +36,14 @@ public:
 
     /// Applied to every server before a client gets it (time-outs, a private CA).
     void setServerTuning(std::function<void(MailServer&)> tune) { m_tune = std::move(tune); }
+    /// Where the user's trust decisions are kept ("servers.ini"), and how a
+    /// question about a server is put to the user (title, text) -> yes.
+    /// Without a way to ask, such a server is refused at once: a question
+    /// nobody sees must not hold up the session.
+    void setServerTrust(QString file, std::function<bool(const QString&, const QString&)> ask) {
+        m_trustFile = std::move(file);
+        m_ask = std::move(ask);
+    }
 
     /// Reads the outbox and starts the session.
     void open();
@@ -71,6 +80,13 @@ private:
 
     /// SendOutboxMessage: reads outbox message id and hands it to the SMTP client.
     TransportError SendOutboxMessage(QByteArrayView folder, qint32 id, const MailServer& server);
+    /// The server with the user's trust decisions and the tuning applied.
+    MailServer prepared(const MailServer& server) const;
+    /// After a failure about trust: asks once per server and question, and
+    /// true when the user said yes (the action is then tried again).
+    bool askedAndTrusted(const MailServer& used, const TransportError& error);
+    /// The failure in words, logged with its technical detail.
+    QByteArray failureWords(const MailServer& used, const TransportError& error);
 
     MailStore& m_store;
     IniHelpers& m_ini;
@@ -79,6 +95,13 @@ private:
     EmailAccountList m_accounts;
     SendReceiveTexts m_texts;
     std::function<void(MailServer&)> m_tune;
+    QString m_trustFile;
+    std::function<bool(const QString&, const QString&)> m_ask;
+    QSet<QByteArray> m_asked; // server + question, asked in this run
+    MailServer m_pop3Server;  // as the running POP3 action got it
+    int m_pop3Action = 0;
+    MailServer m_smtpServer; // as the running send got it
+    qint32 m_sendingId = 0;
     std::unique_ptr<AsyncPop3Client> m_pop3;
     std::unique_ptr<AsyncSmtpClient> m_smtp;
     std::unique_ptr<SendReceiveSession> m_session;

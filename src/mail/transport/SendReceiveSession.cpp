@@ -169,8 +169,7 @@ void SendReceiveSession::accountDone() {
 void SendReceiveSession::pop3Failed(int number, const QByteArray& description) {
     if (m_phase != Phase::Receiving)
         return;
-    const QByteArray line =
-        prefix() + "AsyncError: " + description + "(" + QByteArray::number(number) + ")";
+    const QByteArray line = prefix() + description;
     m_port.status(line);
     m_port.log(line);
     m_nextAction = 0;
@@ -225,7 +224,7 @@ void SendReceiveSession::smtpFailed(int number, const QByteArray& description) {
 
 void SendReceiveSession::reportSendError(int number, const QByteArray& description) {
     m_port.log("Error " + QByteArray::number(number) + ": " + description);
-    m_port.status(m_texts.outbox + ": Error " + QByteArray::number(number) + " - " + description);
+    m_port.status(m_texts.outbox + ": " + description);
     finishSend(false);
 }
 

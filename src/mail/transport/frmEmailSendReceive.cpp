@@ -2,11 +2,13 @@
 
 #include "mail/transport/SendReceiveRunner.h"
 #include "mail/transport/SendReceiveTexts.h"
+#include "mail/transport/ServerTrust.h"
 #include "platform/Cp1252.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
 #include "ui/LayoutEngine.h"
 #include "ui/SoundPlayer.h"
+#include "ui/frmQuestion.h"
 
 #include <QListWidget>
 #include <QPushButton>
@@ -45,6 +47,12 @@ frmEmailSendReceive::frmEmailSendReceive(const LayoutEngine& engine, MailStore& 
 
     m_runner = std::make_unique<SendReceiveRunner>(
         store, ctx.ini, clock, accounts, SendReceiveTexts::read(ctx.ini, skinFile()), debugLog);
+    m_runner->setServerTrust(
+        ctx.folders.path(ServerTrust::kLiteral), [this](const QString& title, const QString& text) {
+            // Asked over this window, which shows the run: never a question
+            // nobody sees.
+            return isVisible() && frmQuestion::ask(engine(), this, title, text);
+        });
     connect(m_runner.get(), &SendReceiveRunner::statusLine, this,
             &frmEmailSendReceive::StatusUpdate);
     connect(m_runner.get(), &SendReceiveRunner::soundRequested, this, [this](const QByteArray& s) {

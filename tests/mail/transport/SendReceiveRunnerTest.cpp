@@ -13,10 +13,15 @@
 #include "settings/DebugLog.h"
 #include "settings/IniHelpers.h"
 
+#include "platform/IniDocument.h"
+#include "platform/IniFile.h"
+
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -95,12 +100,25 @@ protected:
         return t;
     }
 
+    // The servers of most tests speak in the clear; the TLS tests turn that
+    // off and answer the trust questions.
+    bool plaintext = true;
+    QString caFile;
+    std::function<bool(const QString&, const QString&)> ask;
+    QStringList asked;
+
     Outcome run(const QList<QByteArray>& accounts, int timeoutSeconds = 2) {
         Outcome r;
         SendReceiveRunner runner(store, ini, clock, EmailAccountList(accounts), texts(), &debugLog);
-        runner.setServerTuning([timeoutSeconds](MailServer& s) {
+        runner.setServerTuning([this, timeoutSeconds](MailServer& s) {
             s.connectTimeoutSeconds = timeoutSeconds;
             s.stallTimeoutSeconds = timeoutSeconds;
+            s.plaintextAllowed = s.plaintextAllowed || plaintext;
+            s.caFile = caFile;
+        });
+        runner.setServerTrust(dir.file("servers.ini"), [this](const QString& t, const QString& q) {
+            asked << t + "\n" + q;
+            return ask && ask(t, q);
         });
         QEventLoop loop;
         QObject::connect(&runner, &SendReceiveRunner::statusLine,
@@ -230,22 +248,27 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
         ScriptedServer::Ending::HangUp);
     ScriptedServer silent(greeting, {}, ScriptedServer::Ending::Silence);
 
+    // Each line says in words what went wrong and where (no "AsyncError (7)").
     struct Case {
         const char* what;
         QByteArray server;
         const char* password;
+        QByteArray words;
     } cases[] = {
-        {"wrong password", local(pop.port()), "nope"},
-        {"server not running", local(closedPort), "pw"},
-        {"line dropped in the second message", local(dropped.port()), "pw"},
-        {"server that never answers", local(silent.port()), "pw"},
+        {"wrong password", local(pop.port()), "nope", "DS1: 127.0.0.1 refused: -ERR"},
+        {"server not running", local(closedPort), "pw",
+         "DS1: Could not connect to 127.0.0.1 port " + QByteArray::number(closedPort) +
+             ": connection refused"},
+        {"line dropped in the second message", local(dropped.port()), "pw",
+         "DS1: The server closed the connection before the end of message 2"},
+        {"server that never answers", local(silent.port()), "pw",
+         "DS1: No answer from 127.0.0.1 port " + QByteArray::number(silent.port())},
     };
     for (const Case& c : cases) {
         const Outcome r = run({ann(c.server, local(closedPort), true, c.password)});
         ASSERT_TRUE(r.over) << c.what;
         EXPECT_EQ(r.phase, SendReceiveSession::Phase::Frozen) << c.what;
-        EXPECT_TRUE(r.lines.last().startsWith("DS1: AsyncError: "))
-            << c.what << ": " << r.text().constData();
+        EXPECT_TRUE(r.lines.last().startsWith(c.words)) << c.what << ": " << r.text().constData();
         EXPECT_LT(r.ms, 8000) << c.what;
         EXPECT_EQ(count(MailStore::kOutbox), 1u) << c.what;
     }
@@ -286,7 +309,7 @@ TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
     storeOutbox("\"Ann\" <ann@x.org>", "ok@x.org", "good", "");
     const Outcome r = run({ann("", local(smtp.port()), false)});
     ASSERT_TRUE(r.over);
-    EXPECT_TRUE(r.lines.at(1).startsWith("Outbox: Error ")) << r.text().constData();
+    EXPECT_TRUE(r.lines.at(1).startsWith("Outbox: 127.0.0.1 refused: 5")) << r.text().constData();
     EXPECT_TRUE(r.text().endsWith("Outbox: Sent (2)\nOutbox: Done"));
     const std::vector<IndexRow> left = store.FillMessageIndexList(MailStore::kOutbox);
     ASSERT_EQ(left.size(), 1u);
@@ -324,7 +347,7 @@ TEST_F(SendReceiveRunnerTest, LargeMessagesInAndOutKeepTheLoopTurning) {
     ASSERT_TRUE(row);
     EXPECT_EQ(row->text.size(), big.size() - big.indexOf("\r\n\r\n") - 4);
 
-    EXPECT_TRUE(r.lines.at(5).startsWith("Outbox: Error ")) << r.text().constData();
+    EXPECT_TRUE(r.lines.at(5).startsWith("Outbox: ")) << r.text().constData();
     const std::vector<IndexRow> left = store.FillMessageIndexList(MailStore::kOutbox);
     ASSERT_EQ(left.size(), 1u);
     EXPECT_EQ(left[0].id, tooBig);
@@ -335,6 +358,82 @@ TEST_F(SendReceiveRunnerTest, LargeMessagesInAndOutKeepTheLoopTurning) {
     EXPECT_GT(r.loopTurns, int(r.ms / 100)) << r.ms << " ms, " << r.loopTurns << " turns";
     RecordProperty("run_ms", int(r.ms));
     RecordProperty("loop_turns", r.loopTurns);
+}
+
+// Catches a password sent in the clear, a self-signed server that cannot be
+// used at all, a trust answer that is not kept or asked again, and a pinned
+// certificate that would let a different one through.
+TEST_F(SendReceiveRunnerTest, TlsIsRequiredAndTrustIsAskedOnceAndKept) {
+    QTemporaryDir certDir;
+    const TestCertificate cert = TestCertificate::make(certDir.path());
+    QProcess openssl;
+    openssl.start("openssl", {"x509", "-in", cert.certFile, "-noout", "-fingerprint", "-sha256"});
+    openssl.waitForFinished();
+    const QByteArray fingerprint =
+        openssl.readAll().split('=').last().trimmed().replace(":", "").toLower();
+    ASSERT_EQ(fingerprint.size(), 64);
+    pop.addUser("ann", "secret-pw");
+    pop.deliver("ann", "Subject: a\r\n\r\nx\r\n");
+    ASSERT_TRUE(pop.start(cert));
+    plaintext = false;
+    const QByteArray server = local(pop.port());
+    const QString trust = dir.file("servers.ini");
+    ScriptedServer clear("+OK ready\r\n", {"+OK\r\nUSER\r\n.\r\n"}, ScriptedServer::Ending::HangUp);
+
+    struct Step {
+        const char* what;
+        QByteArray server;
+        bool yes;
+        QString caFile;
+        QString question; // "" = none asked
+        QByteArray last;  // the last status line starts so
+    } steps[] = {
+        {"no TLS offered, refused",
+         local(clear.port()),
+         false,
+         {},
+         "without encryption",
+         "DS1: 127.0.0.1 port " + QByteArray::number(clear.port()) + " offers no encryption"},
+        {"self-signed, refused", server, false, {}, "does not trust", "DS1: The certificate of"},
+        {"trusted through a CA: no question", server, false, cert.certFile, "", "DS1: Done"},
+        {"self-signed, accepted", server, true, {}, "does not trust", "DS1: Done"},
+        {"accepted before: no question", server, false, {}, "", "DS1: Done"},
+    };
+    for (const Step& s : steps) {
+        asked.clear();
+        ask = [&](auto&, auto&) { return s.yes; };
+        caFile = s.caFile;
+        const Outcome r = run({ann(s.server, "", false, "secret-pw")});
+        EXPECT_TRUE(r.lines.last().startsWith(s.last)) << s.what << ": " << r.text().constData();
+        EXPECT_EQ(asked.size(), s.question.isEmpty() ? 0 : 1) << s.what;
+        if (!s.question.isEmpty() && !asked.isEmpty())
+            EXPECT_TRUE(asked[0].contains(s.question)) << s.what;
+    }
+    for (const QByteArray& line : clear.received())
+        EXPECT_FALSE(line.contains("secret-pw") || line.startsWith("PASS")) << line.constData();
+    EXPECT_TRUE(pop.log().contains("TLS")) << pop.log().constData();
+    EXPECT_EQ(IniDocument(readAll(trust)).value(server, "Fingerprint").value_or(""), fingerprint);
+
+    // A different certificate than the one accepted: asked again, refused.
+    IniFile::write(trust, server, "Fingerprint", QByteArray(64, 'a'));
+    asked.clear();
+    ask = [](auto&, auto&) { return false; };
+    const Outcome changed = run({ann(server, "", false, "secret-pw")});
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_TRUE(asked[0].contains("has changed")) << asked[0].toStdString();
+    EXPECT_TRUE(asked[0].contains(QString::fromLatin1(fingerprint.left(2)))) << "shows the new one";
+    EXPECT_EQ(changed.phase, SendReceiveSession::Phase::Frozen);
+    EXPECT_EQ(count(MailStore::kInbox), 1u) << "fetched once, by the trusted runs only";
+
+    // Sending: the same question, then the message goes out inside TLS.
+    ASSERT_TRUE(smtp.start({cert, false, {}, {}}));
+    storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "over TLS", "");
+    asked.clear();
+    ask = [](auto&, auto&) { return true; };
+    const Outcome sent = run({ann("", local(smtp.port()), false)});
+    EXPECT_EQ(asked.size(), 1);
+    ASSERT_EQ(smtp.messages().size(), 1) << sent.text().constData();
+    EXPECT_TRUE(smtp.messages()[0][QStringLiteral("tls")].toBool());
 }
 
 } // namespace

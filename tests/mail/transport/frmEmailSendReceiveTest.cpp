@@ -42,6 +42,9 @@ protected:
     /// Runs the window modally; once the session is over, clicks "OK".
     QStringList runWindow(const EmailAccountList& accounts) {
         frmEmailSendReceive dlg(engine, store, clock, accounts, nullptr);
+        // The test servers speak in the clear; the program folder here is the
+        // source tree, so the answer is kept in the temporary folder.
+        dlg.runner().setServerTrust(dir.file("servers.ini"), [](auto&, auto&) { return true; });
         auto clickOk = [&dlg] {
             for (int i = 1; i <= dlg.state().buttonCount(); ++i)
                 if (dlg.state().button(i).command.toUpper() == "OK")

@@ -12,7 +12,8 @@ int freeLoopbackPort();
 bool waitForPort(int port, int timeoutMs = 10000);
 /// Ends a server the test started: by its PID, politely first.
 void stopProcess(QProcess& process);
-/// A server on 127.0.0.1 whose connect and stall limits are both timeoutSeconds.
+/// A server on 127.0.0.1 whose connect and stall limits are both timeoutSeconds,
+/// allowed without TLS.
 MailServer loopbackServer(int port, const QByteArray& user = {}, const QByteArray& password = {},
                           int timeoutSeconds = 5);
 
