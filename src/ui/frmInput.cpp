@@ -7,8 +7,10 @@
 #include "skin/Placement.h"
 #include "ui/LayoutEngine.h"
 #include "ui/SoundPlayer.h"
+#include "ui/StyledBox.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QProxyStyle>
 
@@ -49,7 +51,7 @@ frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* paren
     layOut(QSize(320, 120));
     IniHelpers& ini = context().ini;
     if (ini.ReadIniKey(kSection, "InputBox", skinFile()))
-        applyInputBox(ini.IniValue);
+        placeStyledBox(m_input, ini.IniValue, size());
     else
         m_input->setGeometry(10, 10, width() - 20, 24);
     m_input->raise();
@@ -58,31 +60,28 @@ frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* paren
 
 frmInput::~frmInput() = default;
 
-void frmInput::onShown() {
-    m_input->setFocus();
+void frmInput::setPrompt(const QString& title, const QString& prompt, const QByteArray& proposal) {
+    setWindowTitle(title);
+    m_input->setAccessibleName(prompt);
+    m_input->setText(Cp1252::toUnicode(proposal));
+    if (!m_prompt) {
+        m_prompt = new QLabel(this);
+        m_prompt->setObjectName(QStringLiteral("lblPrompt"));
+        m_prompt->setTextFormat(Qt::PlainText);
+        IniHelpers& ini = context().ini;
+        // Without a place of its own the prompt sits just above the box.
+        const QRect box = m_input->geometry();
+        if (ini.ReadIniKey(kSection, "PromptBox", skinFile()))
+            placeStyledBox(m_prompt, ini.IniValue, size());
+        else
+            m_prompt->setGeometry(box.left(), box.top() - 20, box.width(), 18);
+    }
+    m_prompt->setText(prompt);
+    m_prompt->show();
 }
 
-void frmInput::applyInputBox(const QByteArray& value) {
-    const QList<QByteArray> f = splitCommaList(value);
-    auto field = [&f](int i) { return i < f.size() ? f[i] : QByteArray(); };
-    m_input->setGeometry(
-        placeRect(field(0), field(1), field(2), field(3), size(), StretchRule::BelowOne, false));
-    QPalette pal = m_input->palette();
-    if (f.size() >= 7) {
-        const Rgb b = parseRgb(f.mid(4, 3).join(','));
-        pal.setColor(QPalette::Base, QColor(b.r, b.g, b.b));
-    }
-    if (f.size() >= 10) {
-        const Rgb t = parseRgb(f.mid(7, 3).join(','));
-        pal.setColor(QPalette::Text, QColor(t.r, t.g, t.b));
-    }
-    m_input->setPalette(pal);
-    QFont font = m_input->font();
-    if (!field(10).trimmed().isEmpty())
-        font.setFamily(Cp1252::toUnicode(field(10).trimmed()));
-    if (const long pt = leadingNumber(field(11)); pt > 0 && pt < 500)
-        font.setPointSize(int(pt));
-    m_input->setFont(font);
+void frmInput::onShown() {
+    m_input->setFocus();
 }
 
 void frmInput::confirm() {
