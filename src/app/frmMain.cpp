@@ -211,6 +211,7 @@ void frmMain::prepareDataFolders() {
         if (m_email)
             m_email->setCurrentFolder(QByteArray::number(folder));
     });
+    m_organiser->shared().engine = m_engine.get();
     m_organiser->prepareDataFolders();
 }
 

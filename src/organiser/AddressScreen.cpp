@@ -42,6 +42,13 @@ bool AddressScreen::command(const QByteArray& name) {
             fillList(m_sh.host.generalList(), st.rows);
             writeBoxes();
         }
+    } else if (name == "ADDRESSEXPORT") {
+        m_transfer.exportBook();
+    } else if (name == "ADDRESSIMPORT") {
+        if (m_transfer.importFile()) {
+            fill();
+            writeBoxes();
+        }
     } else {
         return false;
     }

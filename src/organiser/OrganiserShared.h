@@ -9,6 +9,7 @@
 
 namespace mirel {
 
+class LayoutEngine;
 class SkinHost;
 
 /// The main window's organiser state, handed to every organiser screen.
@@ -18,6 +19,8 @@ struct OrganiserShared {
     OrganiserState state{};
     AgendaLists agenda{};
     SortedList lstSorted2{true}; // the overview's open tasks
+    /// Lays out the organiser's dialogs; none in tests without a window.
+    const LayoutEngine* engine = nullptr;
 };
 
 } // namespace mirel

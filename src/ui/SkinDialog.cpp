@@ -98,11 +98,13 @@ void SkinDialog::applyBox(QWidget* box, const QByteArray& value) const {
         const Rgb b = parseRgb(f.mid(4, 3).join(','));
         pal.setColor(QPalette::Base, QColor(b.r, b.g, b.b));
         pal.setColor(QPalette::Window, QColor(b.r, b.g, b.b)); // labels fill with this
+        pal.setColor(QPalette::Button, QColor(b.r, b.g, b.b)); // and choosers with this
     }
     if (f.size() >= 10) {
         const Rgb t = parseRgb(f.mid(7, 3).join(','));
         pal.setColor(QPalette::Text, QColor(t.r, t.g, t.b));
         pal.setColor(QPalette::WindowText, QColor(t.r, t.g, t.b));
+        pal.setColor(QPalette::ButtonText, QColor(t.r, t.g, t.b));
     }
     box->setPalette(pal);
     QFont font = box->font();

@@ -7,6 +7,7 @@
 #include "ui/SoundPlayer.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QProxyStyle>
 
@@ -55,6 +56,26 @@ frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* paren
 }
 
 frmInput::~frmInput() = default;
+
+void frmInput::setPrompt(const QString& title, const QString& prompt, const QByteArray& proposal) {
+    setWindowTitle(title);
+    m_input->setAccessibleName(prompt);
+    m_input->setText(Cp1252::toUnicode(proposal));
+    if (!m_prompt) {
+        m_prompt = new QLabel(this);
+        m_prompt->setObjectName(QStringLiteral("lblPrompt"));
+        m_prompt->setTextFormat(Qt::PlainText);
+        IniHelpers& ini = context().ini;
+        // Without a place of its own the prompt sits just above the box.
+        const QRect box = m_input->geometry();
+        if (ini.ReadIniKey(kSection, "PromptBox", skinFile()))
+            applyBox(m_prompt, ini.IniValue);
+        else
+            m_prompt->setGeometry(box.left(), box.top() - 20, box.width(), 18);
+    }
+    m_prompt->setText(prompt);
+    m_prompt->show();
+}
 
 void frmInput::onShown() {
     m_input->setFocus();

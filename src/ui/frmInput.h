@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 
+class QLabel;
 class QLineEdit;
 
 namespace mirel {
@@ -20,6 +21,9 @@ public:
 
     /// The text confirmed by the user (Windows-1252), empty when cancelled.
     const QByteArray& InputResult() const { return m_result; }
+    /// Asks a question: the window title, a line of prompt text above the
+    /// box ("PromptBox" places it) and the proposed answer.
+    void setPrompt(const QString& title, const QString& prompt, const QByteArray& proposal);
     QLineEdit* txtInput() const { return m_input; }
 
     void buttonClicked(int index) override;
@@ -32,6 +36,7 @@ private:
     void confirm();
 
     QLineEdit* m_input;
+    QLabel* m_prompt = nullptr;
     QByteArray m_result;
 };
 
