@@ -226,8 +226,10 @@ void printMessagePages(PrintJob& job, const QString& summary) {
     doc.addResource(QTextDocument::ImageResource, QUrl(QStringLiteral("mirel:rule")), rule);
     QTextImageFormat line;
     line.setName(QStringLiteral("mirel:rule"));
-    line.setWidth(a.width());
-    line.setHeight(std::max(1, printer.resolution() / 96));
+    // Image sizes are given at 96 dots per inch; the layout scales them to
+    // the printer. One dot high is the rule's 15 twips.
+    line.setWidth(a.width() * 96.0 / printer.resolution());
+    line.setHeight(1);
     c.insertBlock();
     c.insertImage(line);
     QTextCharFormat body;
