@@ -18,6 +18,7 @@ DEPS := cmake g++ make pkg-config clang clang-format ccache \
 	xvfb xauth x11-utils imagemagick sox fonts-dejavu-core \
 	python3-pyatspi at-spi2-core dbus dbus-x11 \
 	dovecot-core dovecot-pop3d python3-aiosmtpd poppler-utils \
+	fonts-liberation fonts-bebas-neue \
 	libpython3.11-testsuite ca-certificates openssl libxtst6
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)

@@ -383,6 +383,20 @@ void frmMain::dispatch(const QByteArray& command) {
             loadMailAccounts();
         return;
     }
+    case Command::AgendaPrintList:
+    case Command::AgendaPrintItem:
+        printAgenda(match.command == Command::AgendaPrintList);
+        return;
+    case Command::MonthPrint:
+    case Command::MonthAll:
+        if (m_organiser) {
+            const int shown = m_organiser->calendar().month();
+            match.command == Command::MonthAll ? printMonths(1, 12) : printMonths(shown, shown);
+        }
+        return;
+    case Command::EmailPrint:
+        printMessage();
+        return;
     case Command::EmailSource:
         if (m_email)
             m_email->ShowMessageSource();

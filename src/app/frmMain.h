@@ -133,6 +133,10 @@ private:
     void jumpFromOverview();
     void refreshAgendaEditor();
     void agendaPriorityChosen(int priority);
+    // The print commands (frmMainPrint.cpp): one print job each.
+    void printAgenda(bool wholeList);
+    void printMonths(int first, int last);
+    void printMessage();
 
     SettingsStore& m_store;
     MessageSink& m_messages;

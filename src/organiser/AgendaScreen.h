@@ -19,6 +19,11 @@ public:
     void priorityChosen(int priority) { m_ed.priority = priority; }
     /// Shows item p (from the overview) and selects it.
     void showItem(int p);
+    /// The item as the editor's controls hold it now (for printing).
+    const AgendaEditorState& editorNow() {
+        readEditor();
+        return m_ed;
+    }
 
 private:
     void showList();

@@ -20,6 +20,8 @@ public:
     void listClicked();
     /// Shows the month and puts the caret at the end of the day's box.
     void showDay(int month, int day);
+    int month() const { return m_month; }
+    const CalendarBook& book() const { return m_book; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

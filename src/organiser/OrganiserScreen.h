@@ -41,6 +41,9 @@ public:
     void priorityChosen(int priority) { m_agenda.priorityChosen(priority); }
 
     OrganiserShared& shared() { return m_sh; }
+    const OverviewTexts& texts() const { return m_texts; }
+    AgendaScreen& agenda() { return m_agenda; }
+    CalendarScreen& calendar() { return m_calendar; }
 
 private:
     void placeMonthPicture();

@@ -1,0 +1,100 @@
+"""Every print command of the real program written to a PDF through
+MIREL_PRINT_PDF and read back with poppler's tools: the text of each page
+and the pictures embedded in it."""
+
+import datetime
+import os
+import re
+import shutil
+import subprocess
+import sys
+import time
+import unittest
+
+sys.path.insert(0, os.path.dirname(__file__))
+
+from mirel_a11y import ScreenReaderCase, run_in_private_bus  # noqa: E402
+from mirel_harness import BUILD_DIR, Session  # noqa: E402
+
+if __name__ == "__main__":
+    run_in_private_bus(__file__)
+
+
+def triplets(text):
+    return "".join("%03d" % b for b in text.encode("cp1252"))
+
+
+class Printing(ScreenReaderCase):
+    def job(self, s, command, answer=None):
+        """Runs one print command; returns its pages' text and its pictures as (width, height)."""
+        if os.path.exists(self.pdf):
+            os.remove(self.pdf)
+        time.sleep(2)  # the theme builds a screen up control by control
+        s.send(command)
+        if answer:
+            self.find(answer, "push button", shown=True).queryAction().doAction(0)
+        deadline = time.time() + 60
+        # The file is whole once poppler reads it (its index comes last).
+        while subprocess.run(["pdfinfo", self.pdf], capture_output=True).returncode != 0:
+            self.assertLess(time.time(), deadline, command)
+            time.sleep(0.5)
+        shutil.copy(self.pdf, os.path.join(BUILD_DIR, "screenshots", "print-%s.pdf" % command))
+        text = subprocess.run(["pdftotext", "-layout", self.pdf, "-"], capture_output=True,
+                              check=True).stdout.decode()
+        listing = subprocess.run(["pdfimages", "-list", self.pdf], capture_output=True,
+                                 check=True).stdout.decode().splitlines()[2:]
+        return text.split("\f")[:-1], [tuple(map(int, l.split()[3:5])) for l in listing]
+
+    # Catches: pages without the head, lines lost at page breaks, a job per
+    # month instead of one, a sheet without its picture, a message page
+    # without the rule, and a command that never reaches the printer.
+    def test_every_print_command(self):
+        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                                     "QT_ACCESSIBILITY": "1"}, theme=False)
+        self.addCleanup(s.close)
+        self.pdf = s.env["MIREL_PRINT_PDF"] = os.path.join(s.tmp, "out.pdf")
+        os.makedirs(os.path.join(s.program_dir, "Mirel"))
+        day = datetime.date.today() + datetime.timedelta(days=1)
+        items = []
+        for i in range(100):  # a day header and an item each: 200 rows
+            d = (day + datetime.timedelta(days=i)).strftime("%Y%m%d")
+            items.append("%d=%s" % (i + 1, triplets("\x01".join(
+                [d + "0900", d + "1000", "Item %03d" % i, "0", "2"] + ["0"] * 7) + "\x01")))
+        with open(os.path.join(s.program_dir, "Mirel", "agenda.ini"), "w") as f:
+            f.write("[AGENDA]\r\nID=100\r\n" + "\r\n".join(items) + "\r\n")
+        with open(os.path.join(s.program_dir, "Mirel", "calendar.ini"), "w") as f:
+            f.write("[CALENDAR]\r\n0217=%s\r\n" % triplets("  Birthday " + "x" * 300))
+        s.start()
+        os.makedirs(os.path.join(BUILD_DIR, "screenshots"), exist_ok=True)
+
+        s.send("AGENDA")
+        pages, _ = self.job(s, "AGENDAPRINTLIST")
+        self.assertGreater(len(pages), 3)
+        self.assertTrue(all(re.search(r"TORVEX TERMINAL +Agenda", p) for p in pages))
+        body = "".join(pages)
+        self.assertEqual(len(re.findall(r"Item \d{3}", body)), 100)
+        self.assertIn("Item 099", pages[-1])
+
+        self.find("txtMulti 1", shown=True).queryEditableText().setTextContents("word " * 30000)
+        pages, _ = self.job(s, "AGENDAPRINTITEM")
+        self.assertRegex(pages[0], r"From\.\.\.\.: \d{12}\s+To\.\.\.\.\.\.: \d{12}\s+Priority: 0")
+        self.assertGreater(len(pages), 20)
+
+        s.send("CALENDAR")
+        pages, pictures = self.job(s, "MONTHALL")
+        self.assertEqual(len(pages), 12)
+        self.assertEqual(len(pictures), 12)
+        self.assertRegex(pages[1], r"TORVEX TERMINAL +FEBRUARY")
+        self.assertRegex(pages[1], r"(?m)^ *1 .*17 Birthday x+$")
+        self.assertRegex(pages[1], r"13 .*29\s*$|29 *\n")
+        self.assertNotRegex(pages[1], r"\b30\b")
+
+        s.send("EMAIL")
+        pages, pictures = self.job(s, "EMAILPRINT", answer="Yes")
+        self.assertEqual(len(pages), 1)
+        self.assertIn("TORVEX TERMINAL", pages[0])
+        self.assertEqual(pictures, [(3000, 1)])
+
+
+if __name__ == "__main__":
+    unittest.main()
