@@ -18,7 +18,7 @@ using namespace mirel::test;
 
 namespace {
 
-struct Folders : ::testing::Test {
+struct MailFolders : ::testing::Test {
     TempDir dir;
     FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0))};
     RecordingMessageSink sink;
@@ -42,7 +42,7 @@ struct Folders : ::testing::Test {
 
 // Catches: a name that leaves the mail root or takes a fixed folder's place,
 // and a "\" read as a path separator (the folder would land one level down).
-TEST_F(Folders, NamesAreOneDirectoryUnderTheRoot) {
+TEST_F(MailFolders, NamesAreOneDirectoryUnderTheRoot) {
     for (const char* bad : {"", "   ", ".", "..", "a/b", "../x", "0", "3", " 2 "})
         EXPECT_TRUE(folders.create(bad).isEmpty()) << bad;
     EXPECT_TRUE(folders.create(QByteArray("a\0b", 3)).isEmpty());
@@ -65,7 +65,7 @@ TEST_F(Folders, NamesAreOneDirectoryUnderTheRoot) {
 
 // Catches: a rename over another folder, a delete that leaves databases or
 // journals behind, or that follows a link out of the mail root.
-TEST_F(Folders, RenameAndDeleteTouchOnlyTheirFolder) {
+TEST_F(MailFolders, RenameAndDeleteTouchOnlyTheirFolder) {
     folders.create("A");
     folders.create("B");
     sink.shown.clear();
@@ -92,7 +92,7 @@ TEST_F(Folders, RenameAndDeleteTouchOnlyTheirFolder) {
 
 // Catches: a walk that skips the row after a removed one, rows left for
 // messages that moved, and a delete in the deleted folder that only moves.
-TEST_F(Folders, SelectedMessagesMoveAndDelete) {
+TEST_F(MailFolders, SelectedMessagesMoveAndDelete) {
     for (int i = 0; i < 4; ++i)
         add("0", "m" + QByteArray::number(i), i % 2 + 1);
     folders.create("Work");
@@ -114,17 +114,18 @@ TEST_F(Folders, SelectedMessagesMoveAndDelete) {
     EXPECT_EQ(SelectedMessages(store, "3", lines).remove({0, 1, 2}).size(), 3u);
     EXPECT_TRUE(store.FillMessageIndexList("3").empty());
 
-    // A broken target: the walk stops and the message stays where it was.
+    // A broken target: the walk stops at once, reported, its row kept.
     QFile::remove(root() + "Work/attachments.mdb");
-    QList<QByteArray> rest = {store.FillMessageIndexList("0").front().listLine()};
-    EXPECT_TRUE(SelectedMessages(store, "0", rest).move({0}, "Work").isEmpty());
-    EXPECT_EQ(store.FillMessageIndexList("0").size(), 1u);
-    EXPECT_EQ(store.readAttachments("0", 1).size(), 1u);
+    QList<QByteArray> rest = {store.FillMessageIndexList("0").front().listLine(), "2\t0\t0"};
+    sink.shown.clear();
+    EXPECT_TRUE(SelectedMessages(store, "0", rest).move({0, 1}, "Work").isEmpty());
+    EXPECT_EQ(rest.size(), 2);
+    EXPECT_EQ(sink.shown.size(), 1u);
 }
 
 // Catches: a proposed name that leads out of the chosen folder, a filter
 // built from a leading dot, and an old longer file keeping its tail.
-TEST_F(Folders, AttachmentFiles) {
+TEST_F(MailFolders, AttachmentFiles) {
     const std::pair<const char*, const char*> names[] = {{"photo.jpg", "photo.jpg"},
                                                          {"../../.bashrc", ".bashrc"},
                                                          {"a\\b\\c.txt", "c.txt"},
