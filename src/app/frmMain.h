@@ -28,6 +28,7 @@ namespace mirel {
 
 class Clock;
 class EmailScreen;
+class FolderScreen;
 class LayoutEngine;
 class MailStore;
 class MessageSink;
@@ -74,6 +75,7 @@ public:
     EmailAccountList& lstEmailAccounts() { return m_lstEmailAccounts; }
     /// The e-mail screen's list and view (null until the mail store is ready).
     EmailScreen* emailScreen() const { return m_email.get(); }
+    FolderScreen* folderScreen() const { return m_mailFolders.get(); }
 
     /// Where the bundled theme is looked for on a first start (tests point it elsewhere).
     void setBundledThemeCandidates(QStringList dirs) { m_themeCandidates = std::move(dirs); }
@@ -139,6 +141,7 @@ private:
     std::unique_ptr<SingleInstance> m_instance;
     std::unique_ptr<MailStore> m_mailStore;
     std::unique_ptr<EmailScreen> m_email;
+    std::unique_ptr<FolderScreen> m_mailFolders;
     EmailAccountList m_lstEmailAccounts;
     std::unique_ptr<OrganiserContext> m_organiserContext;
     std::unique_ptr<OrganiserScreen> m_organiser;

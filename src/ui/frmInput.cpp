@@ -9,6 +9,7 @@
 #include "ui/SoundPlayer.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QProxyStyle>
 
@@ -34,7 +35,10 @@ public:
 frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* parent)
     : SkinDialog(engine, kSection,
                  passwordMode ? QStringLiteral("Password") : QStringLiteral("Input"), parent),
-      m_input(new QLineEdit(this)) {
+      m_input(new QLineEdit(this)), m_prompt(new QLabel(this)) {
+    m_prompt->setTextFormat(Qt::PlainText);
+    m_prompt->setObjectName(QStringLiteral("lblPrompt"));
+    m_prompt->hide();
     m_input->setObjectName(QStringLiteral("txtInput"));
     m_input->setAccessibleName(windowTitle());
     if (passwordMode) {
@@ -49,9 +53,13 @@ frmInput::frmInput(const LayoutEngine& engine, bool passwordMode, QWidget* paren
     layOut(QSize(320, 120));
     IniHelpers& ini = context().ini;
     if (ini.ReadIniKey(kSection, "InputBox", skinFile()))
-        applyInputBox(ini.IniValue);
+        applyBox(m_input, ini.IniValue);
     else
         m_input->setGeometry(10, 10, width() - 20, 24);
+    if (ini.ReadIniKey(kSection, "Prompt", skinFile()))
+        applyBox(m_prompt, ini.IniValue);
+    else
+        m_prompt->setGeometry({});
     m_input->raise();
     shapeAndHover();
 }
@@ -62,12 +70,21 @@ void frmInput::onShown() {
     m_input->setFocus();
 }
 
-void frmInput::applyInputBox(const QByteArray& value) {
+void frmInput::setPrompt(const QString& prompt, const QByteArray& preset) {
+    setWindowTitle(prompt);
+    m_input->setAccessibleName(prompt);
+    m_prompt->setText(prompt);
+    m_prompt->setVisible(!m_prompt->geometry().isEmpty());
+    m_input->setText(Cp1252::toUnicode(preset));
+    m_input->selectAll();
+}
+
+void frmInput::applyBox(QWidget* box, const QByteArray& value) {
     const QList<QByteArray> f = splitCommaList(value);
     auto field = [&f](int i) { return i < f.size() ? f[i] : QByteArray(); };
-    m_input->setGeometry(
+    box->setGeometry(
         placeRect(field(0), field(1), field(2), field(3), size(), StretchRule::BelowOne, false));
-    QPalette pal = m_input->palette();
+    QPalette pal = box->palette();
     if (f.size() >= 7) {
         const Rgb b = parseRgb(f.mid(4, 3).join(','));
         pal.setColor(QPalette::Base, QColor(b.r, b.g, b.b));
@@ -75,14 +92,15 @@ void frmInput::applyInputBox(const QByteArray& value) {
     if (f.size() >= 10) {
         const Rgb t = parseRgb(f.mid(7, 3).join(','));
         pal.setColor(QPalette::Text, QColor(t.r, t.g, t.b));
+        pal.setColor(QPalette::WindowText, QColor(t.r, t.g, t.b));
     }
-    m_input->setPalette(pal);
-    QFont font = m_input->font();
+    box->setPalette(pal);
+    QFont font = box->font();
     if (!field(10).trimmed().isEmpty())
         font.setFamily(Cp1252::toUnicode(field(10).trimmed()));
     if (const long pt = leadingNumber(field(11)); pt > 0 && pt < 500)
         font.setPointSize(int(pt));
-    m_input->setFont(font);
+    box->setFont(font);
 }
 
 void frmInput::confirm() {

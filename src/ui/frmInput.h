@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 
+class QLabel;
 class QLineEdit;
 
 namespace mirel {
@@ -21,6 +22,9 @@ public:
     /// The text confirmed by the user (Windows-1252), empty when cancelled.
     const QByteArray& InputResult() const { return m_result; }
     QLineEdit* txtInput() const { return m_input; }
+    /// Asks for something: the prompt shows where the skin's "Prompt" key
+    /// places it (and is the window's title), the preset stands selected.
+    void setPrompt(const QString& prompt, const QByteArray& preset);
 
     void buttonClicked(int index) override;
 
@@ -30,9 +34,10 @@ protected:
 
 private:
     void confirm();
-    void applyInputBox(const QByteArray& value);
+    void applyBox(QWidget* box, const QByteArray& value);
 
     QLineEdit* m_input;
+    QLabel* m_prompt;
     QByteArray m_result;
 };
 
