@@ -6,6 +6,7 @@
 #include "mail/transport/frmEmailAccounts.h"
 #include "mail/transport/frmEmailSendReceive.h"
 #include "mail/view/EmailScreen.h"
+#include "mail/view/FolderScreen.h"
 #include "organiser/OrganiserScreen.h"
 
 #include "app/BundledTheme.h"
@@ -191,6 +192,15 @@ void frmMain::prepareMailStore() {
         m_mailStore = std::make_unique<MailStore>(m_folders.ProgramDir, m_clock, m_messages);
     if (!m_email)
         m_email = std::make_unique<EmailScreen>(*this, *m_mailStore);
+    if (!m_mailFolders) {
+        m_mailFolders = std::make_unique<FolderScreen>(*this, *m_email, *m_mailStore, m_messages,
+                                                       *m_engine, FolderNames(m_mailFolderTitle));
+        m_mailFolders->setCommandRunner([this](const QByteArray& command) {
+            BusyFlag::Scope busy(m_busy);
+            if (busy.acquired())
+                dispatch(command);
+        });
+    }
     m_mailStore->MailStoreStartup(m_ini);
 }
 
@@ -226,8 +236,8 @@ void frmMain::loadAgenda() {
 }
 
 void frmMain::fillScreen(const QByteArray& screen) {
-    if (screen == "Email" && m_email)
-        m_email->ShowEmailScreen();
+    if (screen == "Email" && m_mailFolders)
+        m_mailFolders->ShowEmailScreen();
     if (m_organiser)
         m_organiser->fillScreen(screen);
 }
@@ -354,6 +364,9 @@ void frmMain::dispatch(const QByteArray& command) {
     case Command::Todo:
     case Command::Email:
     case Command::Overview:
+        // "Mail" opens the inbox; a folder chosen elsewhere is opened there.
+        if (match.command == Command::Email && m_email)
+            m_email->setCurrentFolder(MailStore::kInbox);
         ShowScreen(screenOf(match.command));
         fillScreen(screenOf(match.command));
         return;
@@ -396,6 +409,20 @@ void frmMain::dispatch(const QByteArray& command) {
         return;
     case Command::EmailPrint:
         printMessage();
+        return;
+    case Command::EmailMove:
+        if (m_mailFolders)
+            m_mailFolders->MoveSelectedMessages();
+        return;
+    case Command::EmailDelete:
+        if (m_mailFolders)
+            m_mailFolders->DeleteSelectedMessages();
+        return;
+    case Command::EmailConfig:
+        if (m_mailFolders)
+            m_mailFolders->FolderManagerDialog();
+        if (state().currentScreen == "Overview")
+            fillScreen("Overview");
         return;
     case Command::EmailSource:
         if (m_email)

@@ -29,6 +29,7 @@ namespace mirel {
 class Clock;
 class EmailScreen;
 class frmEmailCommands;
+class FolderScreen;
 class LayoutEngine;
 class MailStore;
 class MessageSink;
@@ -75,6 +76,7 @@ public:
     EmailAccountList& lstEmailAccounts() { return m_lstEmailAccounts; }
     /// The e-mail screen's list and view (null until the mail store is ready).
     EmailScreen* emailScreen() const { return m_email.get(); }
+    FolderScreen* folderScreen() const { return m_mailFolders.get(); }
 
     /// Where the bundled theme is looked for on a first start (tests point it elsewhere).
     void setBundledThemeCandidates(QStringList dirs) { m_themeCandidates = std::move(dirs); }
@@ -151,6 +153,7 @@ private:
     std::unique_ptr<MailStore> m_mailStore;
     std::unique_ptr<EmailScreen> m_email;
     std::unique_ptr<frmEmailCommands> m_compose; // made at the first compose command
+    std::unique_ptr<FolderScreen> m_mailFolders;
     EmailAccountList m_lstEmailAccounts;
     std::unique_ptr<OrganiserContext> m_organiserContext;
     std::unique_ptr<OrganiserScreen> m_organiser;

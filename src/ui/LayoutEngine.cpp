@@ -93,7 +93,8 @@ bool isAgendaLabel(const QByteArray& upper) {
 QByteArray specialKey(const QByteArray& name) {
     const QByteArray lower = name.toLower();
     if (lower == "emailaccounts" || lower == "emailfontname" || lower == "emailfontsize" ||
-        lower == "emailhostdelete" || lower == "emailhostauto" || lower == "emailedit")
+        lower == "emailhostdelete" || lower == "emailhostauto" || lower == "emailedit" ||
+        lower == "emailfolder" || lower == "emailfolders")
         return lower;
     if (lower.startsWith("emailbut"))
         return "emailbut" + QByteArray::number(qBound(0L, leadingNumber(lower.mid(8)), 999L));
@@ -163,6 +164,10 @@ void LayoutEngine::ClearScreen(SkinHost& host) {
         host.modeButton(i)->hide();
     for (int i = 0; i < 7; ++i)
         host.checkButton(i)->hide();
+    // The e-mail screen's folder name and chooser go with the screen.
+    for (const QByteArray key : {"emailfolder", "emailfolders"})
+        if (host.hasSpecial(key))
+            host.special(key)->hide();
 
     SkinState& state = host.state();
     const bool wasClosing = state.closing;
@@ -411,6 +416,9 @@ void LayoutEngine::layoutSpecial(SkinHost& host, const ControlLine& line) {
         applyLook(w, line, 7, true, true);
     } else if (key == "emailedit") {
         w->setGeometry(placeControl(line, size));
+    } else if (key == "emailfolder" || key == "emailfolders") {
+        w->setGeometry(placeControl(line, size));
+        applyLook(w, line, 7, true, true);
     } else {
         w->setGeometry(placeControl(line, size));
         applyLook(w, line, 7, false, false);

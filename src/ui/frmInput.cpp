@@ -81,6 +81,11 @@ void frmInput::onShown() {
     m_input->setFocus();
 }
 
+void frmInput::setPrompt(const QString& prompt, const QByteArray& preset) {
+    setPrompt(prompt, prompt, preset);
+    m_input->selectAll();
+}
+
 void frmInput::confirm() {
     m_result = Cp1252::fromUnicode(m_input->text());
     finish();

@@ -25,6 +25,9 @@ public:
     /// box ("PromptBox" places it) and the proposed answer.
     void setPrompt(const QString& title, const QString& prompt, const QByteArray& proposal);
     QLineEdit* txtInput() const { return m_input; }
+    /// Asks for something: the prompt shows where the skin's "Prompt" key
+    /// places it (and is the window's title), the preset stands selected.
+    void setPrompt(const QString& prompt, const QByteArray& preset);
 
     void buttonClicked(int index) override;
 

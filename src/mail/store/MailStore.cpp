@@ -98,13 +98,19 @@ QString MailStore::mailRoot() const {
 }
 
 QString MailStore::folderDir(QByteArrayView folder) const {
-    QString dir = resolvePath(mailRoot() + Cp1252::toUnicode(folder));
+    // A folder key is one directory name: a backslash in a user folder's
+    // name is part of the name, not a separator.
+    const QString name = Cp1252::toUnicode(folder);
+    QString dir =
+        name.contains(QLatin1Char('\\')) ? mailRoot() + name : resolvePath(mailRoot() + name);
     if (!dir.endsWith(QLatin1Char('/')))
         dir += QLatin1Char('/');
     return dir;
 }
 
 QString MailStore::databasePath(QByteArrayView folder, const QString& fileName) const {
+    if (folder.contains('\\'))
+        return folderDir(folder) + fileName;
     return resolvePath(folderDir(folder) + fileName);
 }
 

@@ -55,6 +55,8 @@ public:
     void setCurrentFolder(QByteArray folder) { m_view.setCurrentFolder(std::move(folder)); }
     MessageView& view() { return m_view; }
     const QList<QByteArray>& ListMessages() const { return m_lines; }
+    /// For the commands that take messages out of the folder.
+    QList<QByteArray>& ListMessages() { return m_lines; }
 
     QTreeWidget* MLmessages() const { return m_list; }
     QTextBrowser* wbEmail() const { return m_browser; }

@@ -1,0 +1,161 @@
+// User folders, the commands on selected messages and attachment files, on
+// real folders and databases.
+#include "mail/store/FolderManager.h"
+#include "TestSupport.h"
+#include "mail/store/AttachmentFile.h"
+#include "mail/store/MailStore.h"
+#include "mail/view/SelectedMessages.h"
+#include "platform/SettingsStore.h"
+#include "settings/IniHelpers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <gtest/gtest.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+struct MailFolders : ::testing::Test {
+    TempDir dir;
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0))};
+    RecordingMessageSink sink;
+    SettingsStore settings{dir.file("config")};
+    IniHelpers ini{sink, settings};
+    MailStore store{dir.path(), clock, sink};
+    FolderManager folders{store, sink};
+    QList<QByteArray> lines;
+
+    void SetUp() override { store.MailStoreStartup(ini); }
+    QString root() const { return dir.file("Email/"); }
+    void add(QByteArrayView folder, QByteArray subject, int attachments) {
+        std::vector<AttachmentRow> atts(size_t(attachments), {"name=\"a.bin\"", subject});
+        store.createMessage(folder, NewIndexFields{subject, {}, {}, {}}, {}, atts);
+        clock.advanceSeconds(1);
+        lines.clear();
+        for (const IndexRow& r : store.FillMessageIndexList(folder))
+            lines.append(r.listLine());
+    }
+};
+
+// Catches: a name that leaves the mail root or takes a fixed folder's place,
+// and a "\" read as a path separator (the folder would land one level down).
+TEST_F(MailFolders, NamesAreOneDirectoryUnderTheRoot) {
+    for (const char* bad : {"", "   ", ".", "..", "a/b", "../x", "0", "3", " 2 "})
+        EXPECT_TRUE(folders.create(bad).isEmpty()) << bad;
+    EXPECT_TRUE(folders.create(QByteArray("a\0b", 3)).isEmpty());
+    EXPECT_EQ(sink.shown.size(), 10u);
+    EXPECT_EQ(QDir(root()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 4);
+
+    for (const QByteArray good : {"Work", " Trips ", "\xC4rger", "a\\b"})
+        EXPECT_FALSE(folders.create(good).isEmpty()) << good.constData();
+    EXPECT_EQ(folders.userFolders(), (QList<QByteArray>{"a\\b", "Trips", "Work", "\xC4rger"}));
+    EXPECT_TRUE(QFileInfo(root() + QString::fromUtf8("Ärger/data.mdb")).size() > 0);
+    add("0", "m", 1);
+    ASSERT_TRUE(store.MoveMessage("0", "a\\b", 1).has_value());
+    EXPECT_EQ(store.readAttachments("a\\b", 1).size(), 1u);
+    EXPECT_FALSE(QFileInfo::exists(root() + "a"));
+
+    // An existing folder keeps its mail.
+    EXPECT_TRUE(folders.create("a\\b").isEmpty());
+    EXPECT_EQ(store.FillMessageIndexList("a\\b").size(), 1u);
+}
+
+// Catches: a rename over another folder, a delete that leaves databases or
+// journals behind, or that follows a link out of the mail root.
+TEST_F(MailFolders, RenameAndDeleteTouchOnlyTheirFolder) {
+    folders.create("A");
+    folders.create("B");
+    sink.shown.clear();
+    EXPECT_TRUE(folders.rename("A", "B").isEmpty());
+    EXPECT_TRUE(folders.rename("A", "1").isEmpty());
+    EXPECT_EQ(sink.shown.size(), 2u);
+    EXPECT_EQ(folders.rename("A", "C"), "C");
+    EXPECT_EQ(folders.userFolders(), (QList<QByteArray>{"B", "C"}));
+
+    writeAll(root() + "C/data.mdb-journal", "j");
+    EXPECT_TRUE(folders.remove("C"));
+    EXPECT_FALSE(QFileInfo::exists(root() + "C"));
+
+    writeAll(root() + "B/notes.txt", "mine");
+    EXPECT_TRUE(folders.remove("B"));
+    EXPECT_EQ(QDir(root() + "B").entryList(QDir::Files), QStringList{"notes.txt"});
+
+    QDir().mkpath(dir.file("outside"));
+    writeAll(dir.file("outside/data.mdb"), "keep");
+    QFile::link(dir.file("outside"), root() + "L");
+    EXPECT_FALSE(folders.remove("L"));
+    EXPECT_TRUE(QFileInfo::exists(dir.file("outside/data.mdb")));
+}
+
+// Catches: a walk that skips the row after a removed one, rows left for
+// messages that moved, and a delete in the deleted folder that only moves.
+TEST_F(MailFolders, SelectedMessagesMoveAndDelete) {
+    for (int i = 0; i < 4; ++i)
+        add("0", "m" + QByteArray::number(i), i % 2 + 1);
+    folders.create("Work");
+    QList<QByteArray> inbox = lines; // newest first: m3 m2 m1 m0
+    EXPECT_EQ(SelectedMessages(store, "", inbox).move({2, 0, 1}, "Work"), (QList<int>{0, 1, 2}));
+    ASSERT_EQ(inbox.size(), 1);
+    EXPECT_TRUE(inbox[0].startsWith("1\t"));
+    const std::vector<IndexRow> work = store.FillMessageIndexList("Work");
+    ASSERT_EQ(work.size(), 3u);
+    for (const IndexRow& r : work)
+        EXPECT_EQ(store.readAttachments("Work", r.id).size(), size_t(r.attachments));
+
+    add("Work", "x", 0);
+    EXPECT_EQ(SelectedMessages(store, "Work", lines).remove({0, 3}), (QList<int>{0, 3}));
+    EXPECT_EQ(store.FillMessageIndexList("3").size(), 2u);
+    EXPECT_EQ(SelectedMessages::deleteQuestion(2), "Are you sure to delete 2 Message(s)?");
+
+    add("3", "y", 0);
+    EXPECT_EQ(SelectedMessages(store, "3", lines).remove({0, 1, 2}).size(), 3u);
+    EXPECT_TRUE(store.FillMessageIndexList("3").empty());
+
+    // A broken target: the walk stops at once, reported, its row kept.
+    QFile::remove(root() + "Work/attachments.mdb");
+    QList<QByteArray> rest = {store.FillMessageIndexList("0").front().listLine(), "2\t0\t0"};
+    sink.shown.clear();
+    EXPECT_TRUE(SelectedMessages(store, "0", rest).move({0, 1}, "Work").isEmpty());
+    EXPECT_EQ(rest.size(), 2);
+    EXPECT_EQ(sink.shown.size(), 1u);
+}
+
+// Catches: a proposed name that leads out of the chosen folder, a filter
+// built from a leading dot, and an old longer file keeping its tail.
+TEST_F(MailFolders, AttachmentFiles) {
+    const std::pair<const char*, const char*> names[] = {{"photo.jpg", "photo.jpg"},
+                                                         {"../../.bashrc", ".bashrc"},
+                                                         {"a\\b\\c.txt", "c.txt"},
+                                                         {"dir/..", "attachment"},
+                                                         {"", "attachment"}};
+    for (const auto& [full, proposed] : names)
+        EXPECT_EQ(AttachmentFile::proposedName(full), proposed) << full;
+    EXPECT_EQ(AttachmentFile::saveFilter("photo.jpg"), "Selected files (*.jpg);;All files (*.*)");
+    EXPECT_EQ(AttachmentFile::saveFilter(".profile"), "Selected files (*.*);;All files (*.*)");
+
+    QByteArray data(25000, '\0');
+    for (int i = 0; i < data.size(); ++i)
+        data[i] = char(i * 7);
+    writeAll(dir.file("out.bin"), QByteArray(40000, 'x'));
+    int pieces = 0;
+    EXPECT_TRUE(
+        AttachmentFile::WriteAttachmentFile(data, dir.file("out.bin"), nullptr, [&] { ++pieces; }));
+    EXPECT_EQ(pieces, 3);
+    EXPECT_EQ(readAll(dir.file("out.bin")), data);
+    QString error;
+    EXPECT_FALSE(AttachmentFile::WriteAttachmentFile(data, dir.file("none/x"), &error));
+    EXPECT_FALSE(error.isEmpty());
+}
+
+TEST(FolderNamesTest, DisplayNamesAndKeys) {
+    const FolderNames names({"In", "", "Sent", "Bin"});
+    EXPECT_EQ(names.displayName("1"), "Outbox");
+    EXPECT_EQ(names.displayName(""), "In");
+    EXPECT_EQ(names.keyOf("Bin"), "3");
+    EXPECT_EQ(names.keyOf("Work"), "Work");
+}
+
+} // namespace
