@@ -2,12 +2,16 @@
 // folder, then a fixed number of seeded mutations of those files (byte
 // flips, insertions of INI/skin punctuation, truncations, splices). It makes
 // the fuzz targets part of every test run; real fuzzing uses libFuzzer
-// (make fuzz).
+// (make fuzz). Every input has a time bound (--max-ms, 2000 by default):
+// work that grows faster than its input fails here as a slow input, saved
+// to slow-input in the working folder so it can become a corpus row.
 #include <QByteArray>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <vector>
@@ -16,8 +20,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace {
 
+qint64 maxMs = 2000;
+
 void run(const QByteArray& b) {
+    QElapsedTimer t;
+    t.start();
     LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(b.constData()), size_t(b.size()));
+    if (t.elapsed() > maxMs) {
+        QFile slow(QStringLiteral("slow-input"));
+        if (slow.open(QIODevice::WriteOnly))
+            slow.write(b);
+        std::fprintf(stderr, "an input of %lld bytes took %lld ms (saved as slow-input)\n",
+                     qlonglong(b.size()), qlonglong(t.elapsed()));
+        std::abort();
+    }
 }
 
 QByteArray mutate(const QByteArray& in, const std::vector<QByteArray>& all, std::mt19937& rng) {
@@ -53,6 +69,8 @@ int main(int argc, char** argv) {
     for (int i = 2; i < argc; ++i)
         if (std::strncmp(argv[i], "--mutations=", 12) == 0)
             mutations = std::atoi(argv[i] + 12);
+        else if (std::strncmp(argv[i], "--max-ms=", 9) == 0)
+            maxMs = std::atoll(argv[i] + 9);
     std::vector<QByteArray> corpus{QByteArray()};
     const QDir dir(QString::fromLocal8Bit(argv[1]));
     for (const QString& name : dir.entryList(QDir::Files, QDir::Name)) {

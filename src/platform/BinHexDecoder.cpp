@@ -33,6 +33,31 @@ qsizetype blockStart(QByteArrayView text) {
     return -1;
 }
 
+quint32 bigEndian(QByteArrayView b, qsizetype at, int width) {
+    quint32 v = 0;
+    for (int i = 0; i < width; ++i)
+        v = (v << 8) | static_cast<unsigned char>(b[at + i]);
+    return v;
+}
+
+// length byte, name, version byte, type, creator, flags, two lengths
+qsizetype headerSize(const QByteArray& bytes) {
+    return 1 + static_cast<unsigned char>(bytes[0]) + 1 + 4 + 4 + 2 + 4 + 4;
+}
+
+// How many bytes the block can hold at most, as far as its header is known:
+// the header with its CRC, then both forks with theirs. A few run-length
+// codes could otherwise make gigabytes of a small message.
+qsizetype declaredSize(const QByteArray& out) {
+    if (out.isEmpty())
+        return 1;
+    const qsizetype header = headerSize(out) + 2;
+    if (out.size() < header)
+        return header;
+    return header + qsizetype(bigEndian(out, header - 10, 4)) + 2 +
+           qsizetype(bigEndian(out, header - 6, 4)) + 2;
+}
+
 // Six-bit characters to bytes, then the run-length expansion.
 QByteArray unpack(QByteArrayView text, qsizetype from) {
     QByteArray packed;
@@ -56,7 +81,7 @@ QByteArray unpack(QByteArrayView text, qsizetype from) {
 
     QByteArray out;
     out.reserve(packed.size());
-    for (qsizetype i = 0; i < packed.size(); ++i) {
+    for (qsizetype i = 0; i < packed.size() && out.size() < declaredSize(out); ++i) {
         const unsigned char b = static_cast<unsigned char>(packed[i]);
         if (b != 0x90) {
             out.append(char(b));
@@ -65,19 +90,21 @@ QByteArray unpack(QByteArrayView text, qsizetype from) {
         if (i + 1 >= packed.size())
             break;
         const unsigned char n = static_cast<unsigned char>(packed[++i]);
-        if (n == 0)
+        if (n == 0) {
             out.append(char(0x90));
-        else if (!out.isEmpty())
-            out.append(QByteArray(n - 1, out.back()));
+            continue;
+        }
+        // A run may cross the end of the header, where the limit grows.
+        for (qsizetype left = n - 1; left > 0 && !out.isEmpty();) {
+            const qsizetype room = declaredSize(out) - out.size();
+            if (room <= 0)
+                break;
+            const qsizetype k = qMin(left, room);
+            out.append(k, out.back());
+            left -= k;
+        }
     }
     return out;
-}
-
-quint32 bigEndian(QByteArrayView b, qsizetype at, int width) {
-    quint32 v = 0;
-    for (int i = 0; i < width; ++i)
-        v = (v << 8) | static_cast<unsigned char>(b[at + i]);
-    return v;
 }
 
 } // namespace
@@ -103,8 +130,7 @@ BinHexDecoder::Result BinHexDecoder::decode(QByteArrayView text) {
         return r;
 
     const qsizetype nameLength = static_cast<unsigned char>(bytes[0]);
-    // length byte, name, version byte, type, creator, flags, two lengths, CRC
-    const qsizetype headerEnd = 1 + nameLength + 1 + 4 + 4 + 2 + 4 + 4;
+    const qsizetype headerEnd = headerSize(bytes);
     r.name = bytes.mid(1, nameLength);
     if (bytes.size() < headerEnd + 2)
         return r;

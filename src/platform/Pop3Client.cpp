@@ -5,9 +5,23 @@
 namespace mirel {
 namespace {
 
+struct Sink {
+    QByteArray* message;
+    qint64 max;
+};
+
+// Returning less than was given stops the transfer: a server that sends
+// more than it announced cannot fill the memory.
 size_t appendTo(char* data, size_t size, size_t count, void* target) {
-    static_cast<QByteArray*>(target)->append(data, qsizetype(size * count));
+    auto* sink = static_cast<Sink*>(target);
+    if (sink->message->size() + qint64(size * count) > sink->max)
+        return 0;
+    sink->message->append(data, qsizetype(size * count));
     return size * count;
+}
+
+QByteArray megabytes(qint64 bytes) {
+    return QByteArray::number((bytes + 1024 * 1024 - 1) / (1024 * 1024)) + " MB";
 }
 
 size_t discard(char*, size_t size, size_t count, void*) {
@@ -77,13 +91,27 @@ TransportError Pop3Client::fetch(int n, QByteArray& message) {
     message.clear();
     if (!m_connected)
         return notConnected();
+    // The size the server announces decides before anything is fetched.
+    if (TransportError e = command("LIST", n))
+        return e;
+    const QList<QByteArray>& replies = m_easy.replyLines();
+    const QList<QByteArray> words =
+        replies.isEmpty() ? QList<QByteArray>() : replies.last().trimmed().split(' ');
+    if (words.size() > 2 && words[2].toLongLong() > m_maxMessageSize)
+        return {kMessageTooLarge, "Message " + QByteArray::number(n) + " (" +
+                                      megabytes(words[2].toLongLong()) + ") is larger than " +
+                                      megabytes(m_maxMessageSize) + " and stays on the server"};
     CURL* c = m_easy.handle();
+    Sink sink{&message, m_maxMessageSize};
     curl_easy_setopt(c, CURLOPT_URL, urlFor(m_server, n).constData());
     curl_easy_setopt(c, CURLOPT_CUSTOMREQUEST, nullptr);
     curl_easy_setopt(c, CURLOPT_NOBODY, 0L);
     curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, &appendTo);
-    curl_easy_setopt(c, CURLOPT_WRITEDATA, &message);
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
     TransportError e = m_easy.perform();
+    if (e.number == CURLE_WRITE_ERROR)
+        e.description = "Message " + QByteArray::number(n) + " grew beyond the " +
+                        megabytes(m_maxMessageSize) + " limit while it was fetched";
     curl_easy_setopt(c, CURLOPT_WRITEDATA, nullptr);
     // A message ends with CR LF and a line holding a dot. curl also takes
     // the server hanging up as an end, which would pass half a message off

@@ -18,6 +18,13 @@ namespace mirel {
 class Pop3Client {
   public:
     static constexpr int kImplicitTlsPort = 995;
+    /// Messages above this size are not fetched: they stay on the server.
+    static constexpr qint64 kDefaultMaxMessageSize = 100 * 1024 * 1024;
+    /// The error number of a message left on the server for its size; the
+    /// connection stays usable for the next message.
+    static constexpr int kMessageTooLarge = 10001;
+
+    void setMaxMessageSize(qint64 bytes) { m_maxMessageSize = bytes; }
 
     void setTrace(CurlEasy::Trace trace) { m_easy.setTrace(std::move(trace)); }
     void setProgress(CurlEasy::Progress progress) { m_easy.setProgress(std::move(progress)); }
@@ -45,6 +52,7 @@ class Pop3Client {
     CurlEasy m_easy;
     MailServer m_server;
     int m_count = 0;
+    qint64 m_maxMessageSize = kDefaultMaxMessageSize;
     bool m_connected = false;
 };
 

@@ -4,6 +4,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <SQLiteCpp/Transaction.h>
+#include <limits>
+#include <stdexcept>
+#include <string>
 
 namespace mirel {
 
@@ -38,6 +41,12 @@ void SqliteDb::create(const QString& path, const char* schemaSql) {
 }
 
 void SqliteDb::bindBytes(SQLite::Statement& st, int index, const QByteArray& bytes) {
+    // Refused here, before the size is narrowed to an int: a part of more
+    // than 2 GiB would otherwise be stored cut short without a word. (SQLite
+    // itself refuses what is above its own, lower, limit.)
+    if (bytes.size() > std::numeric_limits<int>::max())
+        throw std::length_error("a value of " + std::to_string(bytes.size()) +
+                                " bytes is larger than the mail store holds");
     // A zero-length BLOB needs a non-null pointer, or SQLite stores NULL.
     static const char kEmpty = 0;
     st.bind(index, bytes.isEmpty() ? static_cast<const void*>(&kEmpty) : bytes.constData(),

@@ -305,8 +305,11 @@ bool MailStore::DeleteMessage(QByteArrayView folder, qint32 id) {
         {kDataFile, R"(DELETE FROM "Message" WHERE "ID" = ?)"},
         {kAttachmentsFile, R"(DELETE FROM "Attachments" WHERE "ID" = ?)"}};
     return guarded(folder, [&] {
-        for (const auto& [file, sql] : steps) {
+        for (const auto& [file, statement] : steps) {
             SqliteDb db(databasePath(folder, file), m_busyTimeoutMs);
+            // A named copy: a lambda may not capture a structured binding
+            // under clang 14.
+            const char* sql = statement;
             db.run([&](SQLite::Database& d) {
                 SQLite::Statement st(d, sql);
                 st.bind(1, id);

@@ -3,6 +3,7 @@
 #include "mail/transport/AccountRecord.h"
 #include "mail/transport/OutboxMessage.h"
 #include "mail/transport/ServerAddress.h"
+#include "platform/Pop3Client.h"
 #include "settings/CommaList.h"
 
 namespace mirel {
@@ -169,6 +170,14 @@ void SendReceiveSession::accountDone() {
 void SendReceiveSession::pop3Failed(int number, const QByteArray& description) {
     if (m_phase != Phase::Receiving)
         return;
+    if (number == Pop3Client::kMessageTooLarge && m_pending == Fetching) {
+        // One oversized message does not hold back the rest of the mailbox.
+        m_port.status(prefix() + description);
+        m_port.log(prefix() + description);
+        afterMessage();
+        m_port.startStepTimer();
+        return;
+    }
     const QByteArray line = prefix() + description;
     m_port.status(line);
     m_port.log(line);

@@ -2,6 +2,8 @@
 
 #include "mail/mime/MailDisplayText.h"
 
+#include <cctype>
+
 namespace mirel {
 
 namespace {
@@ -17,6 +19,28 @@ qsizetype tagEnd(const QByteArray& page, qsizetype from) {
     const qsizetype close = page.indexOf('>', from);
     return close < 0 ? page.size() : close;
 }
+
+// The first match at or after a position that only moves forward. A page of
+// a million tags would otherwise be searched to its end once per tag.
+class ForwardSearch {
+public:
+    ForwardSearch(const QByteArray& page, QByteArrayView what) : m_page(page), m_what(what) {}
+    qsizetype from(qsizetype at) {
+        if (m_found == -2 || (m_found != -1 && m_found < at))
+            m_found = m_page.indexOf(m_what, at);
+        return m_found;
+    }
+    // Where the tag opened at `at` ends: its ">" or the end of the page.
+    qsizetype tagEnd(qsizetype at) {
+        const qsizetype close = from(at);
+        return close < 0 ? m_page.size() : close;
+    }
+
+private:
+    const QByteArray& m_page;
+    QByteArrayView m_what;
+    qsizetype m_found = -2; // not searched yet
+};
 
 int hexDigit(char c) {
     if (c >= '0' && c <= '9')
@@ -41,12 +65,13 @@ bool isDark(const QByteArray& upperTag) {
 // Black FONT colours after the body tag would vanish on the black page.
 void whitenBlackFonts(QByteArray& page, qsizetype from) {
     const QByteArray upper = page.toUpper(); // colours are replaced in place, length kept
+    ForwardSearch closes(upper, ">"), hashes(upper, "#");
     for (;;) {
         const qsizetype open = upper.indexOf("<FONT", from);
         if (open < 0)
             return;
-        const qsizetype end = tagEnd(page, open);
-        const qsizetype hash = page.indexOf('#', open);
+        const qsizetype end = closes.tagEnd(open);
+        const qsizetype hash = hashes.from(open);
         // A colour written shorter than six digits is left alone: its six
         // characters would run over the end of the tag.
         if (hash > open && hash + 6 < end) {
@@ -78,25 +103,64 @@ QByteArray MessagePage::fromText(QByteArrayView text) {
     return linkAddresses(std::move(page));
 }
 
-QByteArray MessagePage::linkAddresses(QByteArray page) {
-    QByteArray upper = page.toUpper();
-    qsizetype from = 0;
+namespace {
+
+bool endsAddress(char c) {
+    return c == '\n' || c == '\r' || c == '<' || c == ' ';
+}
+
+// An address that holds another "http://" past its first four characters
+// gets that one linked again inside its caption, and so on. Only so many
+// levels, and only in addresses of a sensible length, so that a message of
+// one endless address cannot make a page many times its size.
+constexpr int kMaxNestedLinks = 8;
+constexpr qsizetype kMaxNestedAddress = 64 * 1024;
+
+void appendLink(QByteArray& out, QByteArrayView address, QByteArrayView upper) {
+    int levels = 0;
     for (;;) {
-        const qsizetype p = upper.indexOf("HTTP://", from);
-        if (p < 0)
-            return page;
-        qsizetype end = p;
-        while (end < page.size() && page[end] != '\n' && page[end] != '\r' && page[end] != '<' &&
-               page[end] != ' ')
-            ++end;
-        const QByteArray address = page.mid(p, end - p);
-        const QByteArray link = "<A TARGET=\"_blank\" HREF=\"" + address + "\">" + address + "</a>";
-        page.replace(p, address.size(), link);
-        upper.replace(p, address.size(), link.toUpper());
-        // Past the link's own href and four characters into its caption, so
-        // the caption's address is not linked again.
-        from = p + address.size() + 31;
+        out += "<A TARGET=\"_blank\" HREF=\"";
+        out += address;
+        out += "\">";
+        ++levels;
+        const qsizetype inner = levels <= kMaxNestedLinks && address.size() <= kMaxNestedAddress
+                                    ? upper.indexOf("HTTP://", 4)
+                                    : -1;
+        if (inner < 0)
+            break;
+        out += address.first(inner);
+        address = address.sliced(inner);
+        upper = upper.sliced(inner);
     }
+    out += address;
+    for (int i = 0; i < levels; ++i)
+        out += "</a>";
+}
+
+} // namespace
+
+// The page is copied once, link by link, rather than edited in place: each
+// in-place edit would move the whole rest of the page.
+QByteArray MessagePage::linkAddresses(QByteArray page) {
+    const QByteArray upper = page.toUpper();
+    qsizetype p = upper.indexOf("HTTP://");
+    if (p < 0)
+        return page;
+    QByteArray out;
+    out.reserve(page.size() + page.size() / 2);
+    qsizetype done = 0;
+    while (p >= 0) {
+        qsizetype end = p;
+        while (end < page.size() && !endsAddress(page[end]))
+            ++end;
+        out.append(page.constData() + done, p - done);
+        appendLink(out, QByteArrayView(page).sliced(p, end - p),
+                   QByteArrayView(upper).sliced(p, end - p));
+        done = end;
+        p = upper.indexOf("HTTP://", end);
+    }
+    out.append(page.constData() + done, page.size() - done);
+    return out;
 }
 
 QByteArray MessagePage::fromHtml(QByteArrayView html) {
@@ -135,22 +199,27 @@ QByteArray MessagePage::repairEndTag(QByteArray page) {
 QByteArray MessagePage::displayCharset(QByteArrayView pageView, QByteArrayView headers) {
     const QByteArray page = pageView.toByteArray();
     const QByteArray upper = page.toUpper();
+    ForwardSearch closes(upper, ">"), charsets(upper, "CHARSET=");
     for (qsizetype meta = upper.indexOf("<META"); meta >= 0;
          meta = upper.indexOf("<META", meta + 5)) {
-        const qsizetype end = tagEnd(upper, meta);
-        const qsizetype at = upper.indexOf("CHARSET=", meta);
+        const qsizetype end = closes.tagEnd(meta);
+        const qsizetype at = charsets.from(meta);
         if (at < 0 || at > end)
             continue;
-        QByteArray value = page.mid(at + 8, end - at - 8).trimmed();
-        if (value.startsWith('"') || value.startsWith('\''))
-            value.remove(0, 1);
-        qsizetype stop = 0;
-        while (stop < value.size() &&
-               (QChar::isLetterOrNumber(uchar(value[stop])) || value[stop] == '-' ||
-                value[stop] == '_' || value[stop] == ':' || value[stop] == '.'))
+        // The value is read where it stands: copying the rest of a tag that
+        // never closes, once per meta tag in it, would take the square of
+        // its length.
+        qsizetype start = at + 8;
+        while (start < end && isspace(uchar(page[start])))
+            ++start;
+        if (start < end && (page[start] == '"' || page[start] == '\''))
+            ++start;
+        qsizetype stop = start;
+        while (stop < end && (QChar::isLetterOrNumber(uchar(page[stop])) || page[stop] == '-' ||
+                              page[stop] == '_' || page[stop] == ':' || page[stop] == '.'))
             ++stop;
-        if (stop > 0)
-            return value.left(stop).toLower();
+        if (stop > start)
+            return page.mid(start, stop - start).toLower();
     }
     // The message's own Content-Type, with its folded continuation lines.
     const QByteArray h = headers.toByteArray();

@@ -75,6 +75,24 @@ TEST_F(Pop3ClientTest, CountsFetchesAndDeletesOverOneLogin) {
     pop.logout();
 }
 
+// Catches a client that accumulates a message of any size: one above the
+// limit is not fetched, says so, and the session carries on with the next.
+TEST_F(Pop3ClientTest, MessageAboveTheSizeLimitStaysOnTheServer) {
+    ASSERT_TRUE(server.start());
+    Pop3Client pop;
+    pop.setMaxMessageSize(100 * 1024);
+    ASSERT_FALSE(pop.connect(account(server.port())));
+    QByteArray got = "stale";
+    const TransportError e = pop.fetch(3, got);
+    EXPECT_EQ(e.number, Pop3Client::kMessageTooLarge);
+    EXPECT_TRUE(e.description.contains("stays on the server")) << e.description.constData();
+    EXPECT_TRUE(got.isEmpty());
+    ASSERT_FALSE(pop.fetch(2, got));
+    EXPECT_EQ(got, kSecond);
+    pop.logout();
+    EXPECT_EQ(server.messagesOf("ann"), 3);
+}
+
 TEST_F(Pop3ClientTest, EmptyMailboxAndMissingMessage) {
     server.addUser("empty", "x");
     ASSERT_TRUE(server.start());

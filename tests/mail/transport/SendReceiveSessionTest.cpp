@@ -1,4 +1,5 @@
 #include "mail/transport/SendReceiveSession.h"
+#include "platform/Pop3Client.h"
 
 #include <QStringList>
 #include <deque>
@@ -35,6 +36,8 @@ public:
     std::map<QByteArray, std::vector<Stored>> mailboxes; // by host
     // POP3 failure: the n-th POP3 action started (1-based) fails.
     int failPop3At = 0;
+    // Messages the server announces above the size limit.
+    std::set<int> tooLarge;
     // SMTP: ids whose send fails, and ids that cannot even be read.
     std::set<qint32> smtpRefuses, unreadable;
 
@@ -55,6 +58,8 @@ public:
                 const int a = std::exchange(m_pop3Action, 0);
                 if (++m_pop3Count == failPop3At)
                     s.pop3Failed(7, "Connection refused");
+                else if (a == 13 && tooLarge.count(m_message))
+                    s.pop3Failed(Pop3Client::kMessageTooLarge, "too large");
                 else
                     s.pop3Completed(a == 3 ? int(mailboxes[m_host].size()) : 0);
             } else if (m_sending) {
@@ -146,6 +151,7 @@ TEST(SendReceiveSession, DeletesOnlyWhatTheStoreTookOrKnew) {
         bool deleteFlag;
         std::vector<S> outcomes;
         QList<QByteArray> expected; // POP3 actions after the connect
+        std::set<int> tooLarge = {};
     };
     const Case cases[] = {
         {false, {S::New, S::Known}, {"13 #1", "13 #2", "8 #2"}},
@@ -153,10 +159,13 @@ TEST(SendReceiveSession, DeletesOnlyWhatTheStoreTookOrKnew) {
         // A message the store refused stays on the server; the rest go on.
         {true, {S::Failed, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}},
         {true, {S::New, S::Failed}, {"13 #1", "10 #1", "13 #2", "8 #2"}},
+        // So does one above the size limit, and the session goes on.
+        {true, {S::New, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}, {1}},
     };
     for (const Case& c : cases) {
         World w;
         w.mailboxes["pop"] = c.outcomes;
+        w.tooLarge = c.tooLarge;
         SendReceiveSession s(EmailAccountList({account("a", "pop", c.deleteFlag)}), {}, skinTexts(),
                              w);
         w.run(s);

@@ -1,6 +1,7 @@
 // The view page's rules, checked on the exact bytes that go to disk.
 #include "mail/view/MessagePage.h"
 
+#include <QElapsedTimer>
 #include <gtest/gtest.h>
 
 using namespace mirel;
@@ -42,7 +43,11 @@ INSTANTIATE_TEST_SUITE_P(
                  link("http://a.x") + " " + link("http://b.y")},
         TextCase{"OnlyPlainHttp", "https://s.example ftp://f.example www.w.example",
                  "https://s.example ftp://f.example www.w.example"},
-        TextCase{"NothingEscaped", "a < b & <i>c</i>", "a < b & <i>c</i>"}),
+        TextCase{"NothingEscaped", "a < b & <i>c</i>", "a < b & <i>c</i>"},
+        // An address inside an address is linked again in the caption.
+        TextCase{"AddressHoldingAnother", "http://a.x/?u=http://b.y",
+                 "<A TARGET=\"_blank\" HREF=\"http://a.x/?u=http://b.y\">http://a.x/?u=" +
+                     link("http://b.y") + "</a>"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 struct HtmlCase {
@@ -120,5 +125,29 @@ INSTANTIATE_TEST_SUITE_P(
                     "From: a\r\ncontent-type: text/plain;\r\n\tcharset=\"ISO-8859-15\"\r\n",
                     "iso-8859-15"}),
     [](const auto& info) { return std::string(info.param.name); });
+
+// Catches page building that grows with the square of the message (a
+// megabyte of tags or addresses once took minutes) or a page that explodes
+// on one endless address.
+TEST(MessagePage, HostileBodiesBuildInLinearTime) {
+    const struct {
+        const char* name;
+        QByteArray text, html;
+    } cases[] = {
+        {"meta tags", {}, "x<body>" + QByteArray("<META>").repeated(200000)},
+        {"unclosed meta tags", {}, QByteArray("<META CHARSET= ").repeated(100000)},
+        {"blank addresses", QByteArray("http:// ").repeated(160000), {}},
+        {"one endless address", QByteArray("http://").repeated(150000), {}},
+        {"unclosed font tags", {}, "x<body>" + QByteArray("<FONT color=").repeated(100000)},
+    };
+    for (const auto& c : cases) {
+        QElapsedTimer t;
+        t.start();
+        const QByteArray page = MessagePage::build(c.text, c.html);
+        MessagePage::displayCharset(c.html, c.text);
+        EXPECT_LT(t.elapsed(), 5000) << c.name; // was minutes; the machine may be busy
+        EXPECT_LT(page.size(), 40 * (c.text.size() + c.html.size())) << c.name;
+    }
+}
 
 } // namespace
