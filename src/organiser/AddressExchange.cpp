@@ -7,8 +7,6 @@
 #include <QDir>
 #include <QFile>
 
-#include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -25,25 +23,18 @@ QString fileText(const QString& path) {
     return QDir::toNativeSeparators(path);
 }
 
-// A contact appears whole or not at all: it is written under a hidden name
-// (the folder listing skips it) and renamed. Syncing each file would make a
-// large import take minutes; the folder's file system is synced once at the
-// end instead.
+// A contact is one small write to a name no file has yet; a write that
+// fails takes its file away again, so no half contact stays behind. Renaming
+// from a temporary name or syncing each file would make a large import take
+// minutes; the folder's file system is synced once at the end instead.
 bool writeContact(const QString& dir, int number, const QByteArray& bytes, QString* error) {
-    const QString name = QString::number(number) + QStringLiteral(".dat");
-    QFile part(dir + QStringLiteral("/.") + name + QStringLiteral(".part"));
-    const QString target = dir + QLatin1Char('/') + name;
-    if (part.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-        part.write(bytes) == bytes.size() && part.flush()) {
-        part.close();
-        if (::rename(QFile::encodeName(part.fileName()).constData(),
-                     QFile::encodeName(target).constData()) == 0)
-            return true;
-    }
-    *error = QStringLiteral("Cannot write \"%1\": %2")
-                 .arg(fileText(target),
-                      part.error() != QFile::NoError ? part.errorString() : qt_error_string(errno));
-    part.remove();
+    QFile f(dir + QLatin1Char('/') + QString::number(number) + QStringLiteral(".dat"));
+    if (f.open(QIODevice::WriteOnly | QIODevice::NewOnly) && f.write(bytes) == bytes.size() &&
+        f.flush())
+        return true;
+    *error = QStringLiteral("Cannot write \"%1\": %2").arg(fileText(f.fileName()), f.errorString());
+    if (f.isOpen())
+        f.remove();
     return false;
 }
 

@@ -9,8 +9,8 @@
 // Import writes one new contact file per record. The next free number is
 // found once and counted on: the folder is not listed again for every
 // record, which would make a large import quadratic, and gives the same
-// names since nothing else writes the folder meanwhile. Each file is
-// replaced atomically, so an interrupted import leaves whole contacts only.
+// names since nothing else writes the folder meanwhile. A contact file that
+// cannot be written whole is removed and ends the import.
 #include "organiser/AddressCsv.h"
 
 #include <functional>
