@@ -177,28 +177,4 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
     EXPECT_TRUE(sink.shown.empty());
 }
 
-// Catches a half-stored message counted as stored (and so deleted from the
-// server), a record written before the store (the next fetch skips a message
-// that was never stored), and a message that repeats its own Message-ID line
-// taken for its own duplicate.
-TEST_F(ReceivedMessageStoreTest, AFailedStoreLeavesNothingAndIsNotRecorded) {
-    const QString attachments = store.databasePath("0", "attachments.mdb");
-    const QByteArray raw = kHead + "Message-ID: <x@y>\r\nMessage-ID: <x@y>\r\n"
-                                   "Content-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n"
-                                   "Content-Type: text/plain\r\n\r\nhi\r\n--b\r\n"
-                                   "Content-Type: image/png\r\n\r\nPNG\r\n--b--\r\n";
-    QFile::rename(attachments, attachments + ".away");
-    EXPECT_EQ(received.store(raw, "0"), ReceivedMessageStore::Result::Failed);
-    ASSERT_EQ(sink.shown.size(), 1u);
-    EXPECT_TRUE(sink.shown[0].text.contains("attachments.mdb"));
-    EXPECT_TRUE(store.FillMessageIndexList("0").empty());
-
-    QFile::rename(attachments + ".away", attachments);
-    const Rows r = storeMail(raw);
-    EXPECT_EQ(r.index.attachments, 1);
-    EXPECT_EQ(r.attachments.size(), 1u);
-    EXPECT_EQ(received.store(raw, "0"), ReceivedMessageStore::Result::Duplicate);
-    EXPECT_EQ(store.FillMessageIndexList("0").size(), 1u);
-}
-
 } // namespace

@@ -38,9 +38,12 @@ Helper runWith(const QStringList& args, const QList<std::pair<const char*, QByte
     return h;
 }
 
+// The ID line comes twice, as some list software sends it: a message must
+// not be its own duplicate.
 QByteArray message(int n, int attachmentBytes = 0) {
-    QByteArray m = "Message-ID: <m" + QByteArray::number(n) + "@x>\r\nSubject: m" +
-                   QByteArray::number(n) + "\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n" +
+    const QByteArray id = "Message-ID: <m" + QByteArray::number(n) + "@x>\r\n";
+    QByteArray m = id + id + "Subject: m" + QByteArray::number(n) +
+                   "\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n" +
                    "--b\r\nContent-Type: text/plain\r\n\r\nbody " + QByteArray::number(n) + "\r\n";
     if (attachmentBytes > 0)
         m += "--b\r\nContent-Type: application/octet-stream\r\n\r\n" +
