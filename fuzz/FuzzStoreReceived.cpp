@@ -35,8 +35,6 @@ struct Fixture {
     SettingsStore settings{dir.path() + "/config"};
     IniHelpers ini{sink, settings};
     MailStore store{dir.path(), clock, sink};
-    DuplicateDetector duplicates{ini, store.incomingRecordPath()};
-    ReceivedMessageStore received{store, duplicates};
     Fixture() { store.MailStoreStartup(ini); }
 };
 
@@ -60,10 +58,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     (void)MailDisplayText::decodeHeader(deep.subject());
 
     QFile::remove(f.store.incomingRecordPath()); // every input is new mail
+    DuplicateDetector duplicates(f.store.incomingRecordPath());
+    ReceivedMessageStore received(f.store, duplicates);
     const MimeMessage mail = MimeMessage::parse(raw);
-    if (f.received.store(mail, "0") != ReceivedMessageStore::Result::Stored || f.sink.shown)
+    if (received.store(mail, "0") != ReceivedMessageStore::Result::Stored || f.sink.shown)
         std::abort();
-    const qint32 id = f.received.lastId();
+    const qint32 id = received.lastId();
     const auto index = f.store.readIndexRow("0", id);
     if (!index || !f.store.readMessageRow("0", id) ||
         size_t(index->attachments) != f.store.readAttachments("0", id).size())

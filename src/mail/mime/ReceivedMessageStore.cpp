@@ -8,6 +8,23 @@ namespace mirel {
 ReceivedMessageStore::ReceivedMessageStore(MailStore& store, DuplicateDetector& duplicates)
     : m_store(store), m_duplicates(duplicates) {}
 
+ReceivedMessageStore::~ReceivedMessageStore() {
+    commit();
+}
+
+bool ReceivedMessageStore::commit() {
+    if (!m_writer)
+        return true;
+    if (!m_writer->commit()) {
+        m_duplicates.dropPending();
+        return false;
+    }
+    // Stored is what counts: a record that cannot be written now is tried
+    // again with the next commit, and costs at worst a second copy.
+    m_duplicates.flush();
+    return true;
+}
+
 bool ReceivedMessageStore::isEncoded(QByteArrayView enc) {
     return enc == "quoted-printable" || enc == "base64" || enc == "mac-binhex40" ||
            enc == "x-uuencode";
@@ -33,7 +50,11 @@ ReceivedMessageStore::Result ReceivedMessageStore::store(QByteArrayView raw,
 
 ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail,
                                                          QByteArrayView folder) {
-    if (m_duplicates.IsDuplicateMessage(mail.headerLines(), mail.body()))
+    // Every lookup happens before anything of the message is written, so a
+    // message that repeats its own Message-ID line is not its own duplicate.
+    const QList<DuplicateDetector::Key> keys =
+        DuplicateDetector::keysOf(mail.headerLines(), mail.body());
+    if (m_duplicates.isKnown(keys))
         return Result::Duplicate;
 
     NewIndexFields fields;
@@ -65,9 +86,18 @@ ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail
     row.text = std::move(m_text);
     row.html = std::move(m_html);
 
-    const std::optional<qint32> id = m_store.createMessage(folder, fields, row, m_attachments);
+    if (m_writer && m_writer->folder() != folder) {
+        commit();
+        m_writer.reset();
+    }
+    if (!m_writer)
+        m_writer = std::make_unique<MailStore::Writer>(m_store, folder);
+    const std::optional<qint32> id = m_writer->add(fields, row, m_attachments);
     m_attachments.clear();
     if (!id)
+        return Result::Failed;
+    m_duplicates.remember(keys);
+    if (!m_grouped && !commit())
         return Result::Failed;
     m_lastId = *id;
     return Result::Stored;

@@ -1,8 +1,13 @@
 #pragma once
-// Storing one received message: the duplicate check, then the index row,
-// then a walk of the part tree at most two levels deep that keeps the first
-// text/plain body and the first text/html body and turns every other part
-// into an attachment; then the message row and the attachment count.
+// Storing one received message: the duplicate check, then a walk of the part tree at most two
+// levels deep that keeps the first text/plain body and the first text/html body and turns every
+// other part into an attachment; then the whole message is written as one unit and, once it is
+// stored, recorded as received.
+//
+// Grouped, the messages collect in one transaction until commit(), which
+// makes them durable and then records them; a failed commit forgets their
+// records, so every one of them is fetched again. Not grouped, each store()
+// commits before it returns.
 //
 // Rules the walk keeps:
 // - A part is decoded only when its Content-Transfer-Encoding is written
@@ -15,22 +20,30 @@
 //   Date is kept as delivered. Bytes are stored as received: no character
 //   set is applied anywhere.
 #include "mail/store/MailRows.h"
+#include "mail/store/MailStore.h"
 #include "platform/MimeMessage.h"
 
 #include <QByteArray>
+#include <memory>
 #include <vector>
 
 namespace mirel {
 
-class MailStore;
 class DuplicateDetector;
 
 /// StoreReceivedMessage and StoreMessagePart over a MailStore.
 class ReceivedMessageStore {
-  public:
+public:
     enum class Result { Stored, Duplicate, Failed };
 
     ReceivedMessageStore(MailStore& store, DuplicateDetector& duplicates);
+    /// Commits what is stored and not yet committed.
+    ~ReceivedMessageStore();
+
+    void setGrouped(bool grouped) { m_grouped = grouped; }
+    /// Makes every message stored since the last commit durable, then
+    /// records it. False when none of them is stored after all.
+    bool commit();
 
     /// True when the message was stored; false for a message received
     /// before (nothing is written) or one the store refused (reported).
@@ -46,11 +59,13 @@ class ReceivedMessageStore {
     /// Cut to the index field's size, then trimmed of blanks.
     static QByteArray indexText(QByteArrayView value);
 
-  private:
+private:
     void StoreMessagePart(const MimeEntity& part);
 
     MailStore& m_store;
     DuplicateDetector& m_duplicates;
+    std::unique_ptr<MailStore::Writer> m_writer;
+    bool m_grouped = false;
     // Working state of the message being stored.
     QByteArray m_text;
     QByteArray m_html;

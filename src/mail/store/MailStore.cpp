@@ -6,6 +6,8 @@
 #include "platform/SqliteDb.h"
 #include "settings/IniHelpers.h"
 
+#include <sqlite3.h>
+
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -71,18 +73,24 @@ IndexRow readIndex(SQLite::Statement& st) {
 constexpr const char* kIndexColumns =
     R"("ID", "Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")";
 
-// The destination of a move is attached to the source's connection, so each
-// of the three tables moves in one transaction over both files.
-void attachDestination(SqliteDb& src, const QString& destPath) {
-    if (!QFileInfo::exists(destPath))
-        throw SqliteError(destPath, QStringLiteral("the file does not exist"));
+void attach(SqliteDb& db, const QString& path, const char* alias) {
+    if (!QFileInfo::exists(path))
+        throw SqliteError(path, QStringLiteral("the file does not exist"));
     try {
-        SQLite::Statement st(src.db(), "ATTACH DATABASE ? AS dest");
-        st.bind(1, QFile::encodeName(destPath).toStdString());
+        SQLite::Statement st(db.db(), std::string("ATTACH DATABASE ? AS ") + alias);
+        st.bind(1, QFile::encodeName(path).toStdString());
         st.exec();
     } catch (const std::exception& e) {
-        throw SqliteError(destPath, QString::fromUtf8(e.what()));
+        throw SqliteError(path, QString::fromUtf8(e.what()));
     }
+}
+
+void execBound(SQLite::Database& d, const char* sql, std::initializer_list<qint32> values) {
+    SQLite::Statement st(d, sql);
+    int i = 0;
+    for (qint32 v : values)
+        st.bind(++i, v);
+    st.exec();
 }
 
 } // namespace
@@ -184,93 +192,150 @@ template <typename Fn> bool MailStore::guarded(QByteArrayView folder, Fn&& fn) {
     return false;
 }
 
-qint32 MailStore::insertIndexRow(SqliteDb& db, const IndexRow& row, const NewIndexFields& fields) {
-    return db.run([&](SQLite::Database& d) {
-        QByteArray columns = R"("Attachments", "Readed", "RealDate")";
-        QByteArray values = "?, ?, ?";
-        const std::pair<const char*, const std::optional<QByteArray>*> named[] = {
-            {R"("Subject")", &fields.subject},
-            {R"("From")", &fields.from},
-            {R"("Date")", &fields.date},
-            {R"("To")", &fields.to}};
-        std::vector<QByteArray> cut;
-        cut.reserve(4);
-        for (const auto& [name, value] : named) {
-            if (!value->has_value())
-                continue;
-            columns += QByteArray(", ") + name;
-            values += ", ?";
-            cut.push_back(fieldText(**value));
-        }
-        SQLite::Statement st(
-            d, ("INSERT INTO \"Index\" (" + columns + ") VALUES (" + values + ")").toStdString());
-        st.bind(1, row.attachments);
-        st.bind(2, int(row.readed));
-        st.bind(3, row.realDate.toString(QLatin1String(kRealDateFormat)).toStdString());
-        for (size_t i = 0; i < cut.size(); ++i)
-            SqliteDb::bindBytes(st, int(4 + i), cut[i]);
-        st.exec();
-        return qint32(d.getLastInsertRowid());
-    });
+qint32 MailStore::insertIndexRow(SQLite::Database& d, const IndexRow& row,
+                                 const NewIndexFields& fields) {
+    QByteArray columns = R"("Attachments", "Readed", "RealDate")";
+    QByteArray values = "?, ?, ?";
+    const std::pair<const char*, const std::optional<QByteArray>*> named[] = {
+        {R"("Subject")", &fields.subject},
+        {R"("From")", &fields.from},
+        {R"("Date")", &fields.date},
+        {R"("To")", &fields.to}};
+    std::vector<QByteArray> cut;
+    cut.reserve(4);
+    for (const auto& [name, value] : named) {
+        if (!value->has_value())
+            continue;
+        columns += QByteArray(", ") + name;
+        values += ", ?";
+        cut.push_back(fieldText(**value));
+    }
+    SQLite::Statement st(
+        d, ("INSERT INTO main.\"Index\" (" + columns + ") VALUES (" + values + ")").toStdString());
+    st.bind(1, row.attachments);
+    st.bind(2, int(row.readed));
+    st.bind(3, row.realDate.toString(QLatin1String(kRealDateFormat)).toStdString());
+    for (size_t i = 0; i < cut.size(); ++i)
+        SqliteDb::bindBytes(st, int(4 + i), cut[i]);
+    st.exec();
+    return qint32(d.getLastInsertRowid());
+}
+
+std::unique_ptr<SqliteDb> MailStore::openFolder(QByteArrayView folder) {
+    auto db = std::make_unique<SqliteDb>(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+    attach(*db, databasePath(folder, kDataFile), "data");
+    attach(*db, databasePath(folder, kAttachmentsFile), "att");
+    return db;
 }
 
 std::optional<qint32> MailStore::createMessage(QByteArrayView folder, const NewIndexFields& fields,
                                                const MessageRow& bodies,
                                                const std::vector<AttachmentRow>& attachments) {
-    std::optional<qint32> id;
-    // The index row is committed on its own first: whatever fails later,
-    // the message is listed and can be deleted.
-    if (!guarded(folder, [&] {
-            SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+    Writer writer(*this, folder);
+    const std::optional<qint32> id = writer.add(fields, bodies, attachments);
+    return id && writer.commit() ? id : std::nullopt;
+}
+
+MailStore::Writer::Writer(MailStore& store, QByteArrayView folder)
+    : m_store(store), m_folder(folder.toByteArray()) {}
+
+MailStore::Writer::~Writer() {
+    if (m_db) {
+        try {
+            m_db->db().exec("ROLLBACK");
+        } catch (...) {
+        }
+    }
+}
+
+void MailStore::Writer::fail(const QString& file, const QString& reason) {
+    // A locked file fails every message of the group the same way: one
+    // report is enough.
+    if (!m_reported)
+        m_store.report(m_folder, file, reason);
+    m_reported = true;
+}
+
+std::optional<qint32> MailStore::Writer::add(const NewIndexFields& fields, const MessageRow& bodies,
+                                             const std::vector<AttachmentRow>& attachments) {
+    QString file = m_store.databasePath(m_folder, kIndexFile);
+    try {
+        if (!m_db) {
+            m_db = m_store.openFolder(m_folder);
+            m_db->db().exec("BEGIN IMMEDIATE");
+        }
+        SQLite::Database& d = m_db->db();
+        d.exec("SAVEPOINT message");
+        try {
             IndexRow row;
-            row.realDate = m_clock.now();
-            id = insertIndexRow(db, row, fields);
-        }))
-        return std::nullopt;
-
-    const bool bodiesStored = guarded(folder, [&] {
-        SqliteDb db(databasePath(folder, kDataFile), m_busyTimeoutMs);
-        db.run([&](SQLite::Database& d) {
-            SQLite::Statement st(
+            row.realDate = m_store.m_clock.now();
+            row.attachments = qint32(attachments.size());
+            const qint32 id = m_store.insertIndexRow(d, row, fields);
+            file = m_store.databasePath(m_folder, kDataFile);
+            SQLite::Statement body(
                 d,
-                R"(INSERT OR REPLACE INTO "Message" ("ID", "Text", "Html", "Headers") VALUES (?, ?, ?, ?))");
-            st.bind(1, *id);
-            SqliteDb::bindBytesOrNull(st, 2, bodies.text);
-            SqliteDb::bindBytesOrNull(st, 3, bodies.html);
-            SqliteDb::bindBytesOrNull(st, 4, bodies.headers);
-            st.exec();
-        });
-    });
-    if (!bodiesStored || attachments.empty())
-        return id;
-
-    qint32 stored = 0;
-    guarded(folder, [&] {
-        SqliteDb db(databasePath(folder, kAttachmentsFile), m_busyTimeoutMs);
-        db.run([&](SQLite::Database& d) {
-            SQLite::Statement st(
-                d, R"(INSERT INTO "Attachments" ("ID", "Filename", "Data") VALUES (?, ?, ?))");
+                R"(INSERT OR REPLACE INTO data."Message" ("ID", "Text", "Html", "Headers") VALUES (?, ?, ?, ?))");
+            body.bind(1, id);
+            SqliteDb::bindBytesOrNull(body, 2, bodies.text);
+            SqliteDb::bindBytesOrNull(body, 3, bodies.html);
+            SqliteDb::bindBytesOrNull(body, 4, bodies.headers);
+            body.exec();
+            file = m_store.databasePath(m_folder, kAttachmentsFile);
+            SQLite::Statement att(
+                d, R"(INSERT INTO att."Attachments" ("ID", "Filename", "Data") VALUES (?, ?, ?))");
             for (const AttachmentRow& a : attachments) {
-                st.reset();
-                st.bind(1, *id);
-                SqliteDb::bindBytes(st, 2, fieldText(a.filename));
-                SqliteDb::bindBytesOrNull(st, 3, a.data);
-                st.exec();
+                att.reset();
+                att.bind(1, id);
+                SqliteDb::bindBytes(att, 2, fieldText(a.filename));
+                SqliteDb::bindBytesOrNull(att, 3, a.data);
+                att.exec();
             }
-        });
-        stored = qint32(attachments.size());
-    });
-    if (stored > 0)
-        guarded(folder, [&] {
-            SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
-            db.run([&](SQLite::Database& d) {
-                SQLite::Statement st(d, R"(UPDATE "Index" SET "Attachments" = ? WHERE "ID" = ?)");
-                st.bind(1, stored);
-                st.bind(2, *id);
-                st.exec();
-            });
-        });
-    return id;
+            d.exec("RELEASE message");
+            ++m_pending;
+            return id;
+        } catch (...) {
+            // A full disk or an I/O error may make SQLite undo the whole
+            // transaction by itself: then the group is gone, not only this
+            // message.
+            if (sqlite3_get_autocommit(d.getHandle())) {
+                m_db.reset();
+                m_lost = m_lost || m_pending > 0;
+                m_pending = 0;
+            } else {
+                d.exec("ROLLBACK TO message");
+                d.exec("RELEASE message");
+            }
+            throw;
+        }
+    } catch (const SqliteError& e) {
+        fail(e.file(), e.reason());
+    } catch (const std::exception& e) {
+        fail(file, QString::fromUtf8(e.what()));
+    }
+    if (m_db && sqlite3_get_autocommit(m_db->db().getHandle())) // BEGIN itself failed
+        m_db.reset();
+    return std::nullopt;
+}
+
+bool MailStore::Writer::commit() {
+    bool ok = !m_lost;
+    if (m_db) {
+        try {
+            m_db->db().exec(ok ? "COMMIT" : "ROLLBACK");
+        } catch (const std::exception& e) {
+            fail(m_db->path(), QString::fromUtf8(e.what()));
+            try {
+                m_db->db().exec("ROLLBACK");
+            } catch (...) {
+            }
+            ok = false;
+        }
+    }
+    m_db.reset();
+    m_pending = 0;
+    m_lost = false;
+    m_reported = false;
+    return ok;
 }
 
 bool MailStore::addAttachment(QByteArrayView folder, qint32 id, const AttachmentRow& attachment) {
@@ -300,22 +365,12 @@ bool MailStore::setAttachmentCount(QByteArrayView folder, qint32 id, qint32 coun
 }
 
 bool MailStore::DeleteMessage(QByteArrayView folder, qint32 id) {
-    const std::pair<QString, const char*> steps[] = {
-        {kIndexFile, R"(DELETE FROM "Index" WHERE "ID" = ?)"},
-        {kDataFile, R"(DELETE FROM "Message" WHERE "ID" = ?)"},
-        {kAttachmentsFile, R"(DELETE FROM "Attachments" WHERE "ID" = ?)"}};
     return guarded(folder, [&] {
-        for (const auto& [file, statement] : steps) {
-            SqliteDb db(databasePath(folder, file), m_busyTimeoutMs);
-            // A named copy: a lambda may not capture a structured binding
-            // under clang 14.
-            const char* sql = statement;
-            db.run([&](SQLite::Database& d) {
-                SQLite::Statement st(d, sql);
-                st.bind(1, id);
-                st.exec();
-            });
-        }
+        openFolder(folder)->run([&](SQLite::Database& d) {
+            execBound(d, R"(DELETE FROM main."Index" WHERE "ID" = ?)", {id});
+            execBound(d, R"(DELETE FROM data."Message" WHERE "ID" = ?)", {id});
+            execBound(d, R"(DELETE FROM att."Attachments" WHERE "ID" = ?)", {id});
+        });
     });
 }
 
@@ -326,50 +381,50 @@ std::optional<qint32> MailStore::MoveMessage(QByteArrayView from, QByteArrayView
         return readIndexRow(from, id) ? std::optional<qint32>(id) : std::nullopt;
     std::optional<qint32> newId;
     const bool ok = guarded(from, [&] {
-        {
-            SqliteDb src(databasePath(from, kIndexFile), m_busyTimeoutMs);
-            attachDestination(src, databasePath(to, kIndexFile));
-            newId = src.run([&](SQLite::Database& d) -> std::optional<qint32> {
-                SQLite::Statement copy(
-                    d,
-                    R"(INSERT INTO dest."Index" ("Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")
-                          SELECT "Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate"
-                          FROM main."Index" WHERE "ID" = ?)");
-                copy.bind(1, id);
-                if (copy.exec() == 0)
-                    return std::nullopt;
-                const qint32 moved = qint32(d.getLastInsertRowid());
-                SQLite::Statement del(d, R"(DELETE FROM main."Index" WHERE "ID" = ?)");
-                del.bind(1, id);
-                del.exec();
-                return moved;
-            });
-        }
-        if (!newId)
-            return;
-        const std::pair<QString, const char*> steps[] = {
-            {kDataFile, R"(INSERT OR REPLACE INTO dest."Message" ("ID", "Text", "Html", "Headers")
-                           SELECT ?, "Text", "Html", "Headers" FROM main."Message" WHERE "ID" = ?;
-                           DELETE FROM main."Message" WHERE "ID" = ?)"},
-            {kAttachmentsFile, R"(INSERT INTO dest."Attachments" ("ID", "Filename", "Data")
-                                  SELECT ?, "Filename", "Data" FROM main."Attachments" WHERE "ID" = ? ORDER BY rowid;
-                                  DELETE FROM main."Attachments" WHERE "ID" = ?)"}};
-        for (const auto& [file, sql] : steps) {
-            SqliteDb src(databasePath(from, file), m_busyTimeoutMs);
-            attachDestination(src, databasePath(to, file));
-            const QList<QByteArray> statements = QByteArray(sql).split(';');
-            src.run([&](SQLite::Database& d) {
-                SQLite::Statement copy(d, statements[0].toStdString());
-                copy.bind(1, *newId);
-                copy.bind(2, id);
-                copy.exec();
-                SQLite::Statement del(d, statements[1].toStdString());
-                del.bind(1, id);
-                del.exec();
-            });
-        }
+        std::unique_ptr<SqliteDb> db = openFolder(from);
+        attach(*db, databasePath(to, kIndexFile), "dindex");
+        attach(*db, databasePath(to, kDataFile), "ddata");
+        attach(*db, databasePath(to, kAttachmentsFile), "datt");
+        newId = db->run([&](SQLite::Database& d) -> std::optional<qint32> {
+            SQLite::Statement copy(
+                d,
+                R"(INSERT INTO dindex."Index" ("Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")
+                      SELECT "Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate"
+                      FROM main."Index" WHERE "ID" = ?)");
+            copy.bind(1, id);
+            if (copy.exec() == 0)
+                return std::nullopt;
+            const qint32 moved = qint32(d.getLastInsertRowid());
+            execBound(d, R"(INSERT OR REPLACE INTO ddata."Message" ("ID", "Text", "Html", "Headers")
+                            SELECT ?, "Text", "Html", "Headers" FROM data."Message" WHERE "ID" = ?)",
+                      {moved, id});
+            execBound(d, R"(INSERT INTO datt."Attachments" ("ID", "Filename", "Data")
+                            SELECT ?, "Filename", "Data" FROM att."Attachments" WHERE "ID" = ? ORDER BY rowid)",
+                      {moved, id});
+            execBound(d, R"(DELETE FROM main."Index" WHERE "ID" = ?)", {id});
+            execBound(d, R"(DELETE FROM data."Message" WHERE "ID" = ?)", {id});
+            execBound(d, R"(DELETE FROM att."Attachments" WHERE "ID" = ?)", {id});
+            return moved;
+        });
     });
     return ok ? newId : std::nullopt;
+}
+
+QList<QByteArray> MailStore::recentHeaders(QByteArrayView folder, int n) {
+    QList<QByteArray> headers;
+    guarded(folder, [&] {
+        SqliteDb db(databasePath(folder, kDataFile), m_busyTimeoutMs);
+        db.run(
+            [&](SQLite::Database& d) {
+                SQLite::Statement st(
+                    d, R"(SELECT "Headers" FROM "Message" ORDER BY "ID" DESC LIMIT ?)");
+                st.bind(1, n);
+                while (st.executeStep())
+                    headers.append(SqliteDb::columnBytes(st, 0));
+            },
+            false);
+    });
+    return headers;
 }
 
 std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {

@@ -13,10 +13,21 @@
 //   it needs and closes them before it returns.
 // - Byte strings (Windows-1252) go in and come out unchanged: every text
 //   field is written as a BLOB. An empty body is left NULL, not written.
-// - A failure (locked, missing or corrupt file) ends that one operation with
-//   a message through the MessageSink and touches no other folder. Moves
-//   commit database by database, so a failure halfway leaves the rows of
-//   the databases not yet moved in the source folder.
+// - A message is one atomic unit across the three files: its index row, its
+//   message row, every attachment row and the index row's attachment count
+//   are written, moved or deleted in one transaction of one connection that
+//   has the other files attached. SQLite commits attached files together
+//   (through its master journal) only in a rollback-journal mode, which is
+//   the mode these files are created in; WAL would break it. After a crash
+//   at any instant a message is wholly in its folder or wholly absent, and
+//   after a move wholly in exactly one of the two; the next open of a file
+//   rolls back what was not committed, so there is no start-up sweep.
+// - A Writer groups many messages in one transaction (one sync per group
+//   instead of per message); each message inside it is a savepoint, so one
+//   that fails leaves the others of the group standing.
+// - A failure (locked, missing or corrupt file, a full disk) ends that one
+//   operation with a message through the MessageSink and touches no other
+//   folder.
 // - Folder set-up runs with errors ignored, as the rest of start-up: a
 //   folder that cannot be made shows up later as a failing operation.
 #include "mail/store/MailRows.h"
@@ -27,6 +38,7 @@
 #include <QList>
 #include <QString>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -34,10 +46,15 @@ namespace mirel {
 
 class IniHelpers;
 class SqliteDb;
+} // namespace mirel
+namespace SQLite {
+class Database;
+}
+namespace mirel {
 
 /// Folders and records of the mail store.
 class MailStore {
-  public:
+public:
     static inline const QByteArray kInbox = QByteArrayLiteral("0");
     static inline const QByteArray kOutbox = QByteArrayLiteral("1");
     static inline const QByteArray kSent = QByteArrayLiteral("2");
@@ -75,9 +92,9 @@ class MailStore {
     void CreateAttachmentsDatabase(QByteArrayView folder);
 
     /// Writes a whole new message: the index row (RealDate = now), the
-    /// message row, one row per attachment and the attachment count. Returns
-    /// the new ID, or nothing when the index row could not be written. A
-    /// later failure leaves the rows written so far.
+    /// message row, one row per attachment and the attachment count, all or
+    /// nothing, committed before it returns. Returns the new ID, or nothing
+    /// when any of it could not be written (then nothing was).
     std::optional<qint32> createMessage(QByteArrayView folder, const NewIndexFields& fields,
                                         const MessageRow& bodies,
                                         const std::vector<AttachmentRow>& attachments);
@@ -91,8 +108,9 @@ class MailStore {
     /// Removes the index, message and attachment rows of the message; a row
     /// missing in one database does not stop the others.
     bool DeleteMessage(QByteArrayView folder, qint32 id);
-    /// Moves the message with all its rows; returns its ID in the
-    /// destination, or nothing when it was not there or the move failed.
+    /// Moves the message with all its rows in one transaction; returns its ID
+    /// in the destination, or nothing when it was not there or the move
+    /// failed (then it is still whole in the source).
     std::optional<qint32> MoveMessage(QByteArrayView from, QByteArrayView to, qint32 id);
 
     /// The index rows of a folder, most recently stored first (rows stored
@@ -101,21 +119,62 @@ class MailStore {
     /// "From|ID" per message of the outbox, in stored order.
     QList<QByteArray> FillOutboxList();
 
+    /// The "Headers" of the last n messages stored in the folder, newest
+    /// first.
+    QList<QByteArray> recentHeaders(QByteArrayView folder, int n);
+
+    class Writer;
+
     std::optional<IndexRow> readIndexRow(QByteArrayView folder, qint32 id);
     std::optional<MessageRow> readMessageRow(QByteArrayView folder, qint32 id);
     std::vector<AttachmentRow> readAttachments(QByteArrayView folder, qint32 id);
     bool setReaded(QByteArrayView folder, qint32 id, qint16 readed);
 
-  private:
+private:
+    /// The folder's index file with its data and attachments files attached
+    /// as "data" and "att".
+    std::unique_ptr<SqliteDb> openFolder(QByteArrayView folder);
     template <typename Fn> bool guarded(QByteArrayView folder, Fn&& fn);
     void report(QByteArrayView folder, const QString& file, const QString& reason);
     void createDatabase(QByteArrayView folder, const QString& fileName, const char* schema);
-    qint32 insertIndexRow(SqliteDb& db, const IndexRow& row, const NewIndexFields& fields);
+    qint32 insertIndexRow(SQLite::Database& d, const IndexRow& row, const NewIndexFields& fields);
 
     QString m_programDir;
     const Clock& m_clock;
     MessageSink& m_messages;
     int m_busyTimeoutMs = 3000;
+};
+
+/// New messages of one folder written in one open transaction: visible to
+/// others and durable together at commit(). Nothing holds the files between
+/// a commit and the next add.
+class MailStore::Writer {
+public:
+    Writer(MailStore& store, QByteArrayView folder);
+    /// Rolls back what was not committed.
+    ~Writer();
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+
+    QByteArrayView folder() const { return m_folder; }
+    /// Adds one whole message (as createMessage); nothing of it is written
+    /// when it fails. Failures are reported once per group.
+    std::optional<qint32> add(const NewIndexFields& fields, const MessageRow& bodies,
+                              const std::vector<AttachmentRow>& attachments);
+    /// Makes every message added since the last commit durable. False when
+    /// they are gone (a failed commit, or a failure that undid the group).
+    bool commit();
+    int pending() const { return m_pending; }
+
+private:
+    void fail(const QString& file, const QString& reason);
+
+    MailStore& m_store;
+    QByteArray m_folder;
+    std::unique_ptr<SqliteDb> m_db;
+    int m_pending = 0;
+    bool m_lost = false;
+    bool m_reported = false;
 };
 
 } // namespace mirel

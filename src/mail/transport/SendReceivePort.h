@@ -23,8 +23,15 @@ public:
     /// The one-shot timers: the start timer (100 ms) and the step timer (1 ms).
     virtual void startStartTimer() = 0;
     virtual void startStepTimer() = 0;
-    /// Hands the message just fetched to the store of received mail.
+    /// Hands the message just fetched to the store of received mail; a New
+    /// one is durable only after the next commitStored().
     virtual Stored storeFetched() = 0;
+    /// Makes every message stored so far durable and recorded; false when
+    /// the ones since the last commit are not stored after all.
+    virtual bool commitStored() = 0;
+    /// Whether the stored messages should be committed before the group is
+    /// full: an open group keeps other writers of the folder waiting.
+    virtual bool commitDue() { return false; }
 
     /// Reads outbox message id and starts sending it through server; the end
     /// comes back as smtpSent or smtpFailed. A message that cannot be read

@@ -44,10 +44,8 @@ SendReceiveRunner::SendReceiveRunner(MailStore& store, IniHelpers& ini, const Cl
         if (!m_closed)
             m_session->stepTimerTick();
     });
-    connect(m_pop3.get(), &AsyncPop3Client::completed, this, [this](int) {
-        if (!m_closed)
-            m_session->pop3Completed(m_pop3->messageCount());
-    });
+    connect(m_pop3.get(), &AsyncPop3Client::completed, this,
+            [this](int) { deliver([this] { m_session->pop3Completed(m_pop3->messageCount()); }); });
     connect(m_pop3.get(), &AsyncPop3Client::failed, this, [this](int number, const QByteArray&) {
         if (m_closed)
             return;
@@ -58,8 +56,8 @@ SendReceiveRunner::SendReceiveRunner(MailStore& store, IniHelpers& ini, const Cl
                 startPop3(m_pop3Action, m_pop3Server, m_pop3->messageNumber());
             return;
         }
-        if (!m_closed)
-            m_session->pop3Failed(number, failureWords(used, error));
+        const QByteArray words = failureWords(used, error);
+        deliver([this, number, words] { m_session->pop3Failed(number, words); });
     });
     connect(m_smtp.get(), &AsyncSmtpClient::sent, this, [this] {
         if (!m_closed)
@@ -84,14 +82,37 @@ SendReceiveRunner::SendReceiveRunner(MailStore& store, IniHelpers& ini, const Cl
     });
 }
 
+void SendReceiveRunner::deliver(std::function<void()> event) {
+    // A message box the store shows runs a nested event loop, which could
+    // hand the session the next fetch's outcome while it is still storing
+    // the last one: such outcomes wait until the session has returned.
+    m_held.push_back(std::move(event));
+    if (m_inSession)
+        return;
+    m_inSession = true;
+    while (!m_held.empty() && !m_closed) {
+        const std::function<void()> next = std::move(m_held.front());
+        m_held.pop_front();
+        next();
+    }
+    m_inSession = false;
+}
+
 SendReceiveRunner::~SendReceiveRunner() {
     close();
 }
 
 void SendReceiveRunner::open() {
     SendReceivePort& port = *this;
+    m_duplicates = std::make_unique<DuplicateDetector>(m_store.incomingRecordPath());
+    // Only the last group can have been stored without its record.
+    m_duplicates->adoptStored(m_store.recentHeaders(MailStore::kInbox, m_groupSize));
+    m_received = std::make_unique<ReceivedMessageStore>(m_store, *m_duplicates);
+    m_received->setGrouped(true);
     m_session =
         std::make_unique<SendReceiveSession>(m_accounts, m_store.FillOutboxList(), m_texts, port);
+    m_session->setGroupSize(m_groupSize);
+    m_sinceCommit.start();
     m_session->open();
 }
 
@@ -101,6 +122,9 @@ void SendReceiveRunner::close() {
     m_closed = true;
     m_startTimer.stop();
     m_stepTimer.stop();
+    // Before the log-out commits the server's deletions.
+    if (m_received)
+        m_received->commit();
     m_pop3->close();
     m_smtp->cancel();
 }
@@ -156,9 +180,7 @@ void SendReceiveRunner::startPop3(int action, const MailServer& server, int mess
 }
 
 SendReceivePort::Stored SendReceiveRunner::storeFetched() {
-    DuplicateDetector duplicates(m_ini, m_store.incomingRecordPath());
-    ReceivedMessageStore received(m_store, duplicates);
-    switch (received.store(m_pop3->message(), MailStore::kInbox)) {
+    switch (m_received->store(m_pop3->message(), MailStore::kInbox)) {
     case ReceivedMessageStore::Result::Stored:
         return Stored::New;
     case ReceivedMessageStore::Result::Duplicate:
@@ -167,6 +189,11 @@ SendReceivePort::Stored SendReceiveRunner::storeFetched() {
         break;
     }
     return Stored::Failed;
+}
+
+bool SendReceiveRunner::commitStored() {
+    m_sinceCommit.start();
+    return m_received->commit();
 }
 
 std::optional<OutgoingMail> SendReceiveRunner::readOutboxMessage(MailStore& store,

@@ -9,9 +9,11 @@
 #include "mail/transport/SendReceivePort.h"
 #include "mail/transport/SendReceiveSession.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QSet>
 #include <QTimer>
+#include <deque>
 #include <functional>
 #include <memory>
 
@@ -21,6 +23,8 @@ class AsyncPop3Client;
 class AsyncSmtpClient;
 class Clock;
 class DebugLog;
+class DuplicateDetector;
+class ReceivedMessageStore;
 class IniHelpers;
 class MailStore;
 struct OutgoingMail;
@@ -44,6 +48,9 @@ public:
         m_trustFile = std::move(file);
         m_ask = std::move(ask);
     }
+
+    /// How many received messages are committed at once (see the session).
+    void setGroupSize(int n) { m_groupSize = n; }
 
     /// Reads the outbox and starts the session.
     void open();
@@ -70,6 +77,8 @@ private:
     void startStartTimer() override { m_startTimer.start(); }
     void startStepTimer() override { m_stepTimer.start(); }
     Stored storeFetched() override;
+    bool commitStored() override;
+    bool commitDue() override { return m_sinceCommit.elapsed() > kCommitMs; }
     TransportError startSend(qint32 id, const MailServer& server) override;
     void markRead(qint32 id) override;
     bool moveToSent(qint32 id) override;
@@ -77,6 +86,9 @@ private:
     void playSound(const QByteArray& sound) override { Q_EMIT soundRequested(sound); }
     void log(const QByteArray& line) override;
     void sessionOver() override;
+
+    /// Hands a POP3 outcome to the session once it is not inside another.
+    void deliver(std::function<void()> event);
 
     /// SendOutboxMessage: reads outbox message id and hands it to the SMTP client.
     TransportError SendOutboxMessage(QByteArrayView folder, qint32 id, const MailServer& server);
@@ -105,8 +117,17 @@ private:
     std::unique_ptr<AsyncPop3Client> m_pop3;
     std::unique_ptr<AsyncSmtpClient> m_smtp;
     std::unique_ptr<SendReceiveSession> m_session;
+    std::unique_ptr<DuplicateDetector> m_duplicates;
+    std::unique_ptr<ReceivedMessageStore> m_received;
+    int m_groupSize = 200;
+    // The window's own writes to the inbox (marking a message read) wait
+    // this long at most for the session's open group.
+    static constexpr qint64 kCommitMs = 1000;
+    QElapsedTimer m_sinceCommit;
     QTimer m_startTimer, m_stepTimer;
     bool m_closed = false;
+    bool m_inSession = false;
+    std::deque<std::function<void()>> m_held;
     bool m_over = false;
     qint64 m_loggedTotal = 0;
 };

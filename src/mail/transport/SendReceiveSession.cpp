@@ -62,6 +62,9 @@ void SendReceiveSession::startTimerTick() {
 void SendReceiveSession::connectAccount() {
     m_pending = Connecting;
     m_messageNumber = 0;
+    m_uncommitted.clear();
+    m_deletable.clear();
+    m_deleteCursor = 0;
     m_port.startPop3(kConnect, m_pop3, 0);
 }
 
@@ -83,7 +86,8 @@ void SendReceiveSession::startAction(int action) {
         break;
     case kDelete:
         m_pending = Deleting;
-        break;
+        m_port.startPop3(action, m_pop3, m_deletable.at(m_deleteCursor++));
+        return;
     case kLogout:
         m_pending = LoggingOut;
         break;
@@ -114,28 +118,32 @@ void SendReceiveSession::pop3Completed(int messageCount) {
         m_port.startStepTimer();
         return;
     case Fetching: {
+        // The worker fetches the next message while this one is stored: the
+        // client hands the fetched message over only on completion.
+        const int fetched = m_messageNumber;
+        const bool more = fetched < m_messageCount;
+        if (more)
+            startAction(kFetch);
         const SendReceivePort::Stored outcome = m_port.storeFetched();
         if (outcome == SendReceivePort::Stored::New) {
             ++m_storedCount;
             m_port.status(prefix() + m_texts.stored + " (" + number(m_storedCount) + ")");
         }
         if (outcome == SendReceivePort::Stored::Failed) {
-            // Kept on the server: the next run fetches it again.
-            const QByteArray line = prefix() + "Message " + number(m_messageNumber) +
-                                    " could not be stored and stays on the server";
-            m_port.status(line);
-            m_port.log(line);
-            afterMessage();
-        } else if (m_deleteFromServer) {
-            m_nextAction = kDelete;
+            keptOnServer(fetched);
         } else {
-            afterMessage();
+            m_uncommitted.append({fetched, outcome == SendReceivePort::Stored::New});
+            if (m_uncommitted.size() >= m_groupSize || m_port.commitDue())
+                commitGroup();
         }
-        m_port.startStepTimer();
+        if (!more) {
+            afterMessage();
+            m_port.startStepTimer();
+        }
         return;
     }
     case Deleting:
-        afterMessage();
+        m_nextAction = m_deleteCursor < m_deletable.size() ? kDelete : kLogout;
         m_port.startStepTimer();
         return;
     case LoggingOut:
@@ -148,7 +156,33 @@ void SendReceiveSession::pop3Completed(int messageCount) {
 }
 
 void SendReceiveSession::afterMessage() {
-    m_nextAction = m_messageNumber < m_messageCount ? kFetch : kLogout;
+    if (m_messageNumber < m_messageCount) {
+        m_nextAction = kFetch;
+        return;
+    }
+    commitGroup();
+    m_nextAction = m_deletable.isEmpty() ? kLogout : kDelete;
+}
+
+void SendReceiveSession::commitGroup() {
+    if (m_uncommitted.isEmpty())
+        return;
+    const bool ok = m_port.commitStored();
+    for (const auto& [n, isNew] : std::as_const(m_uncommitted)) {
+        if (ok && m_deleteFromServer)
+            m_deletable.append(n);
+        if (!ok && isNew)
+            keptOnServer(n);
+    }
+    m_uncommitted.clear();
+}
+
+void SendReceiveSession::keptOnServer(int n) {
+    // The next run fetches it again.
+    const QByteArray line =
+        prefix() + "Message " + number(n) + " could not be stored and stays on the server";
+    m_port.status(line);
+    m_port.log(line);
 }
 
 void SendReceiveSession::logOutNow() {
@@ -171,13 +205,21 @@ void SendReceiveSession::pop3Failed(int number, const QByteArray& description) {
     if (m_phase != Phase::Receiving)
         return;
     if (number == Pop3Client::kMessageTooLarge && m_pending == Fetching) {
-        // One oversized message does not hold back the rest of the mailbox.
+        // One oversized message stays on the server and does not hold back
+        // the rest of the mailbox.
         m_port.status(prefix() + description);
         m_port.log(prefix() + description);
-        afterMessage();
-        m_port.startStepTimer();
+        if (m_messageNumber < m_messageCount) {
+            startAction(kFetch);
+        } else {
+            afterMessage();
+            m_port.startStepTimer();
+        }
         return;
     }
+    // What came in whole is kept; without a log-out the server deletes
+    // nothing.
+    commitGroup();
     const QByteArray line = prefix() + description;
     m_port.status(line);
     m_port.log(line);

@@ -7,19 +7,28 @@
 // States (pending) and what ends them:
 //   Connecting (2)  -> logged in: no mail -> LoggingOut at once; else the
 //                      step timer starts the first fetch
-//   Fetching (1)    -> stored, known or refused by the store; then Deleting
-//                      when the account deletes, else the next fetch or
+//   Fetching (1)    -> the next fetch starts, then the store takes the one
+//                      fetched (stored, known or refused); after the last
+//                      one the store commits,
+//                      then Deleting when the account deletes, else
 //                      LoggingOut
-//   Deleting (10)   -> the next fetch or LoggingOut
+//   Deleting (10)   -> the next delete or LoggingOut
 //   LoggingOut (9)  -> Idle (0); the next account connects from here, or
 //                      the outbox phase begins
 //
 // Invariants:
 // - At most one client action is under way; every action but the log-out
-//   of an empty mailbox and the connect of the next account is started
-//   from a fresh step-timer tick, never from inside the completion.
+//   of an empty mailbox, the connect of the next account and the fetch of
+//   the next message is started from a fresh step-timer tick, never from
+//   inside the completion. The next fetch starts inside the completion of
+//   the last one, before the store gets that one, so that fetching and
+//   storing overlap; the port holds back outcomes that arrive meanwhile.
 // - A message is deleted from the server only after the store took it or
-//   recognised it as known; one the store refused stays on the server.
+//   recognised it as known and committed that durably; one the store
+//   refused, or whose group failed to commit, stays on the server. Stored
+//   messages are committed in groups (every groupSize messages and after
+//   the last), and the deletes are sent only after the last commit, so
+//   everything is durable before the log-out lets the server delete.
 // - A POP3 error freezes the machine: no further account, no outbox. The
 //   window stays open to show why until the user closes it.
 // - An SMTP error concerns one message: it stays in the outbox and the next
@@ -33,6 +42,7 @@
 #include "mail/transport/SendReceiveTexts.h"
 
 #include <QList>
+#include <algorithm>
 
 namespace mirel {
 
@@ -45,6 +55,9 @@ public:
     /// outbox holds "From|ID" per outbox message, in sending order.
     SendReceiveSession(EmailAccountList accounts, QList<QByteArray> outbox, SendReceiveTexts texts,
                        SendReceivePort& port);
+
+    /// How many stored messages the store commits at once.
+    void setGroupSize(int n) { m_groupSize = std::max(1, n); }
 
     /// Loads the first account and starts the start timer.
     void open();
@@ -68,6 +81,8 @@ private:
     void connectAccount();
     void startAction(int action);
     void afterMessage();
+    void commitGroup();
+    void keptOnServer(int n);
     void logOutNow();
     void accountDone();
     void beginSending();
@@ -94,6 +109,12 @@ private:
     int m_messageCount = 0;
     int m_storedCount = 0;
     bool m_inTick = false;
+    int m_groupSize = 200;
+    // Message numbers stored or known since the last commit (with whether
+    // they were new), and the committed ones the server may delete.
+    QList<std::pair<int, bool>> m_uncommitted;
+    QList<int> m_deletable;
+    qsizetype m_deleteCursor = 0;
 
     qsizetype m_outboxPos = 0; // the entry being sent
     qint32 m_sendingId = 0;

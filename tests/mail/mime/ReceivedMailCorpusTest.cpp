@@ -53,7 +53,7 @@ protected:
     Rows storeFile(const QString& path) {
         // Samples share Message-IDs and body openings: each starts from an
         // empty record so none is taken for a duplicate of another.
-        QFile::remove(store.incomingRecordPath());
+        forgetReceived();
         return storeMail(readAll(path));
     }
 

@@ -21,10 +21,16 @@ protected:
     SettingsStore settings{dir.file("config")};
     IniHelpers ini{sink, settings};
     MailStore store{dir.path(), clock, sink};
-    DuplicateDetector duplicates{ini, store.incomingRecordPath()};
+    DuplicateDetector duplicates{store.incomingRecordPath()};
     ReceivedMessageStore received{store, duplicates};
 
     void SetUp() override { store.MailStoreStartup(ini); }
+
+    /// An empty record: every message is new again.
+    void forgetReceived() {
+        QFile::remove(store.incomingRecordPath());
+        duplicates = DuplicateDetector(store.incomingRecordPath());
+    }
 
     struct Rows {
         IndexRow index;

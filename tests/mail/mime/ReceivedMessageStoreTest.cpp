@@ -108,9 +108,10 @@ TEST_F(ReceivedMessageStoreTest, TheSameMessageFetchedTwiceIsStoredOnce) {
     EXPECT_TRUE(received.StoreReceivedMessage(raw, "0"));
     EXPECT_FALSE(received.StoreReceivedMessage(raw, "0"));
     EXPECT_EQ(store.FillMessageIndexList("0").size(), 1u);
-    // Without an ID the body is what the record keys on.
-    EXPECT_TRUE(received.StoreReceivedMessage(kHead + "\r\nThe same start, one", "0"));
-    EXPECT_FALSE(received.StoreReceivedMessage(kHead + "\r\nThe same start, two", "0"));
+    // Without an ID the whole body is what the record keys on.
+    EXPECT_TRUE(received.StoreReceivedMessage(kHead + "\r\nHello Ann,\r\n\r\none", "0"));
+    EXPECT_TRUE(received.StoreReceivedMessage(kHead + "\r\nHello Ann,\r\n\r\ntwo", "0"));
+    EXPECT_FALSE(received.StoreReceivedMessage(kHead + "\r\nHello Ann,\r\n\r\ntwo", "0"));
 }
 
 TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
@@ -164,7 +165,7 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
         SCOPED_TRACE(c.name);
         QElapsedTimer timer;
         timer.start();
-        QFile::remove(store.incomingRecordPath());
+        forgetReceived();
         const Rows r = storeMail(c.raw);
         EXPECT_LT(timer.elapsed(), 5000);
         if (QByteArrayView(c.name) != "base64 garbage") {
@@ -174,15 +175,6 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
         EXPECT_EQ(qint32(r.attachments.size()), c.attachments);
     }
     EXPECT_TRUE(sink.shown.empty());
-}
-
-TEST_F(ReceivedMessageStoreTest, FailureOfTheStoreIsReportedAndNotCountedAsStored) {
-    QFile::remove(store.databasePath("0", "index.mdb"));
-    EXPECT_EQ(received.store(kHead + "\r\nbody", "0"), ReceivedMessageStore::Result::Failed);
-    ASSERT_EQ(sink.shown.size(), 1u);
-    EXPECT_TRUE(sink.shown[0].text.contains("index.mdb"));
-    // Recorded before storing: the next fetch of it is a duplicate.
-    EXPECT_EQ(received.store(kHead + "\r\nbody", "0"), ReceivedMessageStore::Result::Duplicate);
 }
 
 } // namespace

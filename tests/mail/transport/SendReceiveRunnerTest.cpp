@@ -244,7 +244,7 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
     const QByteArray one = "+OK\r\nMessage-ID: <d1@x>\r\nSubject: one\r\n\r\nbody\r\n.\r\n";
     ScriptedServer dropped(
         greeting,
-        login + QList<QByteArray>{"+OK 2 100\r\n", one, "+OK\r\n", "+OK\r\nSubject: x\r\n\r\nhal"},
+        login + QList<QByteArray>{"+OK 2 100\r\n", one, "+OK\r\nSubject: x\r\n\r\nhal"},
         ScriptedServer::Ending::HangUp);
     ScriptedServer silent(greeting, {}, ScriptedServer::Ending::Silence);
 

@@ -34,10 +34,12 @@ SendReceiveTexts skinTexts() {
 class World : public SendReceivePort {
 public:
     std::map<QByteArray, std::vector<Stored>> mailboxes; // by host
-    // POP3 failure: the n-th POP3 action started (1-based) fails.
+    // POP3 failure: the n-th POP3 action started (1-based) fails; the same
+    // for the n-th commit of the store.
     int failPop3At = 0;
     // Messages the server announces above the size limit.
     std::set<int> tooLarge;
+    int failCommitAt = 0;
     // SMTP: ids whose send fails, and ids that cannot even be read.
     std::set<qint32> smtpRefuses, unreadable;
 
@@ -60,8 +62,10 @@ public:
                     s.pop3Failed(7, "Connection refused");
                 else if (a == 13 && tooLarge.count(m_message))
                     s.pop3Failed(Pop3Client::kMessageTooLarge, "too large");
-                else
+                else {
+                    m_fetched = m_message;
                     s.pop3Completed(a == 3 ? int(mailboxes[m_host].size()) : 0);
+                }
             } else if (m_sending) {
                 const qint32 id = std::exchange(m_sending, 0);
                 if (smtpRefuses.count(id))
@@ -84,7 +88,11 @@ public:
     }
     void startStartTimer() override { m_startTimer = true; }
     void startStepTimer() override { m_stepTimer = true; }
-    Stored storeFetched() override { return mailboxes[m_host].at(m_message - 1); }
+    Stored storeFetched() override { return mailboxes[m_host].at(m_fetched - 1); }
+    bool commitStored() override {
+        actions << "commit";
+        return ++m_commits != failCommitAt;
+    }
     TransportError startSend(qint32 id, const MailServer& server) override {
         actions << "send " + QByteArray::number(id) + " via " + server.host;
         if (unreadable.count(id))
@@ -107,7 +115,7 @@ public:
 
 private:
     bool m_startTimer = false, m_stepTimer = false;
-    int m_pop3Action = 0, m_pop3Count = 0, m_message = 0;
+    int m_pop3Action = 0, m_pop3Count = 0, m_message = 0, m_commits = 0, m_fetched = 0;
     qint32 m_sending = 0;
     QByteArray m_host;
 };
@@ -132,13 +140,13 @@ TEST(SendReceiveSession, ServesEveryAccountThenSendsTheOutbox) {
         joined({"DS1: In UFCA-HOME", "DS1: Ready", "DS1: New (1)", "DS1: New (2)", "DS1: Done",
                 "DS2: In UFCA-EMPTY", "DS2: Ready", "DS2: None", "DS2: Done", "Outbox: Ready",
                 "Outbox: Sent (1)", "Outbox: Done", "Outbox: Sent (2)", "Outbox: Done"}));
-    // Every message is deleted after it was taken, the known one included;
-    // the empty mailbox is logged out at once; the unmatched sender goes out
-    // through the last account.
+    // Every message is deleted once the store committed it, the known one
+    // included; the empty mailbox is logged out at once; the unmatched
+    // sender goes out through the last account.
     EXPECT_EQ(
         joined(w.actions),
-        joined({"pop3 3 pop.a:995 #0", "sound in", "pop3 13 pop.a:995 #1", "pop3 10 pop.a:995 #1",
-                "pop3 13 pop.a:995 #2", "pop3 10 pop.a:995 #2", "pop3 13 pop.a:995 #3",
+        joined({"pop3 3 pop.a:995 #0", "sound in", "pop3 13 pop.a:995 #1", "pop3 13 pop.a:995 #2",
+                "pop3 13 pop.a:995 #3", "commit", "pop3 10 pop.a:995 #1", "pop3 10 pop.a:995 #2",
                 "pop3 10 pop.a:995 #3", "pop3 8 pop.a:995 #3", "pop3 3 pop.b:110 #0",
                 "pop3 8 pop.b:110 #0", "sound out", "send 4 via smtp.b", "read 4", "move 4",
                 "send 9 via smtp.b", "read 9", "move 9"}));
@@ -146,29 +154,41 @@ TEST(SendReceiveSession, ServesEveryAccountThenSendsTheOutbox) {
     EXPECT_EQ(s.phase(), SendReceiveSession::Phase::Ended);
 }
 
+// Catches a delete sent before the store made the message durable.
 TEST(SendReceiveSession, DeletesOnlyWhatTheStoreTookOrKnew) {
     struct Case {
         bool deleteFlag;
         std::vector<S> outcomes;
         QList<QByteArray> expected; // POP3 actions after the connect
+        int failCommitAt = 0;
         std::set<int> tooLarge = {};
     };
     const Case cases[] = {
         {false, {S::New, S::Known}, {"13 #1", "13 #2", "8 #2"}},
-        {true, {S::Known, S::New}, {"13 #1", "10 #1", "13 #2", "10 #2", "8 #2"}},
+        {true, {S::Known, S::New}, {"13 #1", "13 #2", "10 #1", "10 #2", "8 #2"}},
         // A message the store refused stays on the server; the rest go on.
         {true, {S::Failed, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}},
-        {true, {S::New, S::Failed}, {"13 #1", "10 #1", "13 #2", "8 #2"}},
-        // So does one above the size limit, and the session goes on.
-        {true, {S::New, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}, {1}},
+        {true, {S::New, S::Failed}, {"13 #1", "13 #2", "10 #1", "8 #2"}},
+        // Groups of two: the second group does not commit, so its message
+        // stays although the store took it.
+        {true,
+         {S::New, S::Known, S::New},
+         {"13 #1", "13 #2", "13 #3", "10 #1", "10 #2", "8 #3"},
+         2},
+        // A message above the size limit stays on the server; the session goes on.
+        {true, {S::New, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}, 0, {1}},
     };
     for (const Case& c : cases) {
         World w;
         w.mailboxes["pop"] = c.outcomes;
         w.tooLarge = c.tooLarge;
+        w.failCommitAt = c.failCommitAt;
         SendReceiveSession s(EmailAccountList({account("a", "pop", c.deleteFlag)}), {}, skinTexts(),
                              w);
+        s.setGroupSize(2);
         w.run(s);
+        EXPECT_EQ(w.lines.contains("DS1: Message 3 could not be stored and stays on the server"),
+                  c.failCommitAt > 0);
         QList<QByteArray> pop3;
         for (const QByteArray& a : w.actions)
             if (a.startsWith("pop3 ") && !a.startsWith("pop3 3 "))

@@ -74,7 +74,7 @@ protected:
     SettingsStore settings{dir.file("config")};
     IniHelpers ini{sink, settings};
     MailStore store{dir.path(), clock, sink};
-    DuplicateDetector duplicates{ini, store.incomingRecordPath()};
+    DuplicateDetector duplicates{store.incomingRecordPath()};
     ReceivedMessageStore received{store, duplicates};
     MessageView view{store};
 

@@ -1,0 +1,221 @@
+// Faults while received mail is stored, with real files, a real dovecot and
+// the storing done by a second process that can be killed or starved: no
+// fault may lose a message or leave part of one behind.
+#include "TestSupport.h"
+#include "mail/store/MailStore.h"
+#include "servers/DovecotServer.h"
+
+#include <QDir>
+#include <QFile>
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <functional>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using namespace mirel;
+using namespace mirel::test;
+
+namespace {
+
+struct Helper {
+    QByteArray out;
+    bool killed = false;
+};
+
+// Runs the helper with extra environment (a kill point, a file size limit).
+Helper runWith(const QStringList& args, const QList<std::pair<const char*, QByteArray>>& env) {
+    for (const auto& [name, value] : env)
+        qputenv(name, value);
+    Helper h;
+    QProcess* p = startHelper(args);
+    for (const auto& [name, value] : env)
+        qunsetenv(name);
+    EXPECT_TRUE(p->waitForFinished(60000));
+    h.out = p->readAllStandardOutput();
+    h.killed = p->exitStatus() != QProcess::NormalExit;
+    delete p;
+    return h;
+}
+
+// The ID line comes twice, as some list software sends it: a message must
+// not be its own duplicate.
+QByteArray message(int n, int attachmentBytes = 0) {
+    const QByteArray id = "Message-ID: <m" + QByteArray::number(n) + "@x>\r\n";
+    QByteArray m = id + id + "Subject: m" + QByteArray::number(n) +
+                   "\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n" +
+                   "--b\r\nContent-Type: text/plain\r\n\r\nbody " + QByteArray::number(n) + "\r\n";
+    if (attachmentBytes > 0)
+        m += "--b\r\nContent-Type: application/octet-stream\r\n\r\n" +
+             QByteArray(attachmentBytes, 'a') + "\r\n";
+    return m + "--b--\r\n";
+}
+
+// The subjects of the folder's messages; fails the test for a message that
+// is not whole (body row, attachment rows matching the count) and for rows
+// that belong to no message.
+QList<QByteArray> wholeMessages(const QString& programDir, const char* folder) {
+    const QString dir = programDir + "/Email/" + folder + "/";
+    // Read-write: a crash leaves journals the first reader must roll back.
+    SQLite::Database db((dir + "index.mdb").toStdString(), SQLite::OPEN_READWRITE);
+    db.exec("ATTACH '" + (dir + "data.mdb").toStdString() + "' AS data");
+    db.exec("ATTACH '" + (dir + "attachments.mdb").toStdString() + "' AS att");
+    SQLite::Statement orphans(db, R"(SELECT (SELECT count(*) FROM data."Message" WHERE "ID" NOT IN
+        (SELECT "ID" FROM "Index")) + (SELECT count(*) FROM att."Attachments" WHERE "ID" NOT IN
+        (SELECT "ID" FROM "Index")))");
+    orphans.executeStep();
+    EXPECT_EQ(orphans.getColumn(0).getInt(), 0) << "orphan rows in " << folder;
+    SQLite::Statement st(db, R"(SELECT "Subject", "Attachments",
+        (SELECT count(*) FROM data."Message" m WHERE m."ID" = i."ID"),
+        (SELECT count(*) FROM att."Attachments" a WHERE a."ID" = i."ID")
+        FROM "Index" i ORDER BY "Subject")");
+    QList<QByteArray> subjects;
+    while (st.executeStep()) {
+        const QByteArray subject = st.getColumn(0).getString().c_str();
+        EXPECT_EQ(st.getColumn(2).getInt(), 1) << subject.constData() << " has no body";
+        EXPECT_EQ(st.getColumn(1).getInt(), st.getColumn(3).getInt()) << subject.constData();
+        subjects << subject;
+    }
+    return subjects;
+}
+
+class ReceiveFaultTest : public ::testing::Test {
+protected:
+    DovecotServer pop;
+    void SetUp() override { ensureCoreApp(); }
+
+    Helper receive(const QString& programDir, const char* user, int group = 2,
+                   const QList<std::pair<const char*, QByteArray>>& env = {}) {
+        return runWith({"receive", programDir, QString::number(pop.port()), user, "pw",
+                        QString::number(group)},
+                       env);
+    }
+};
+
+// Catches a record written before the store, a group made durable after
+// the server was told to delete, and a message half written: killed after
+// any write to a file, then run again, the session ends with each
+// message stored exactly once and whole, and the server empty.
+TEST_F(ReceiveFaultTest, KilledAfterAnyWriteAFreshSessionStoresEachMessageOnce) {
+    pop.addUser("ann", "pw");
+    ASSERT_TRUE(pop.start());
+    const QList<QByteArray> all = {"m1", "m2", "m3"};
+    // Every third write: each stretch between two syncs is still hit.
+    int k = 1;
+    for (; k < 1000; k += 3) {
+        TempDir dir;
+        for (int n = 1; n <= 3; ++n)
+            pop.deliver("ann", message(n, n == 2 ? 5000 : 0));
+        const Helper killed =
+            receive(dir.path(), "ann", 2, {{"MIREL_KILL_AFTER_WRITES", QByteArray::number(k)}});
+        wholeMessages(dir.path(), "0");
+        const Helper fresh = receive(dir.path(), "ann");
+        EXPECT_FALSE(fresh.killed);
+        EXPECT_EQ(wholeMessages(dir.path(), "0"), all) << "killed after write " << k;
+        EXPECT_EQ(pop.messagesOf("ann"), 0) << "killed after write " << k;
+        if (!killed.killed || HasFailure())
+            break;
+    }
+    EXPECT_GT(k, 20) << "fewer writes than expected: is the kill hook in place?";
+    RecordProperty("kill_points", k);
+}
+
+// Catches a move that commits file by file: killed after any write, the
+// message is whole in exactly one of the two folders.
+TEST_F(ReceiveFaultTest, AMoveKilledAfterAnyWriteLeavesTheMessageInOneFolder) {
+    for (int k = 1; k < 1000; k += 3) {
+        TempDir dir;
+        {
+            RecordingMessageSink sink;
+            SystemClock clock;
+            MailStore store(dir.path(), clock, sink);
+            for (const char* folder : {"1", "2"}) {
+                QDir().mkpath(store.folderDir(folder));
+                store.CreateIndexDatabase(folder);
+                store.CreateDataDatabase(folder);
+                store.CreateAttachmentsDatabase(folder);
+            }
+            NewIndexFields f;
+            f.subject = "moving";
+            ASSERT_TRUE(store.createMessage("1", f, {0, "text", {}, "hdr"},
+                                            {{"a", "1"}, {"b", QByteArray(9000, 'b')}}));
+        }
+        const Helper h = runWith({"move", dir.path(), "1", "2", "1"},
+                                 {{"MIREL_KILL_AFTER_WRITES", QByteArray::number(k)}});
+        const qsizetype inSource = wholeMessages(dir.path(), "1").size();
+        const qsizetype inDest = wholeMessages(dir.path(), "2").size();
+        ASSERT_EQ(inSource + inDest, 1) << "killed after write " << k;
+        if (!h.killed) {
+            EXPECT_EQ(inDest, 1);
+            break;
+        }
+    }
+}
+
+// Catches a message deleted from the server although it was not stored:
+// each fault makes the store fail, the message stays on the server with a
+// status line, and the next session without the fault stores it.
+TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSession) {
+    struct Fault {
+        const char* user;
+        std::function<std::function<void()>(const QString& inbox)> apply; // returns the undo
+        QList<std::pair<const char*, QByteArray>> env;
+    };
+    auto lock = [](const char* file) {
+        return [file](const QString& inbox) -> std::function<void()> {
+            QProcess* holder = startHelper({"hold-lock", inbox + file});
+            holder->waitForReadyRead(10000);
+            return [holder] {
+                holder->closeWriteChannel();
+                holder->waitForFinished(10000);
+                delete holder;
+            };
+        };
+    };
+    auto readOnly = [](const QString& inbox) -> std::function<void()> {
+        // Permissions do not stop root; an immutable folder does.
+        const bool root = geteuid() == 0;
+        if (root)
+            QProcess::execute("chattr", {"+i", inbox});
+        else
+            QFile::setPermissions(inbox, QFile::ReadOwner | QFile::ExeOwner);
+        return [inbox, root] {
+            if (root)
+                QProcess::execute("chattr", {"-i", inbox});
+            else
+                QFile::setPermissions(inbox,
+                                      QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        };
+    };
+    auto nothing = [](const QString&) -> std::function<void()> { return [] {}; };
+    const Fault faults[] = {
+        {"lockindex", lock("index.mdb"), {}},
+        {"lockdata", lock("data.mdb"), {}},
+        {"lockatt", lock("attachments.mdb"), {}},
+        {"readonly", readOnly, {}},
+        {"diskfull", nothing, {{"MIREL_FILE_SIZE_LIMIT", "60000"}}},
+        {"toolarge", nothing, {{"MIREL_SQLITE_MAX_LENGTH", "50000"}}},
+    };
+    for (const Fault& f : faults)
+        pop.addUser(f.user, "pw");
+    ASSERT_TRUE(pop.start());
+    for (const Fault& f : faults) {
+        TempDir dir;
+        receive(dir.path(), f.user); // makes the folders
+        pop.deliver(f.user, message(1));
+        pop.deliver(f.user, message(2, 100000));
+        const std::function<void()> undo = f.apply(dir.path() + "/Email/0/");
+        const Helper failed = receive(dir.path(), f.user, 2, f.env);
+        undo();
+        EXPECT_TRUE(failed.out.contains("could not be stored and stays on the server"))
+            << f.user << ": " << failed.out.constData();
+        EXPECT_EQ(pop.messagesOf(f.user) + wholeMessages(dir.path(), "0").size(), 2) << f.user;
+        EXPECT_GT(pop.messagesOf(f.user), 0) << f.user;
+
+        receive(dir.path(), f.user);
+        EXPECT_EQ(wholeMessages(dir.path(), "0"), (QList<QByteArray>{"m1", "m2"})) << f.user;
+        EXPECT_EQ(pop.messagesOf(f.user), 0) << f.user;
+    }
+}
+
+} // namespace
