@@ -12,6 +12,10 @@ struct TransportError {
     /// when the failure happened after it was seen.
     QByteArray peerFingerprint;
 
+    TransportError() = default;
+    TransportError(int n, QByteArray what, QByteArray fingerprint = {})
+        : number(n), description(std::move(what)), peerFingerprint(std::move(fingerprint)) {}
+
     explicit operator bool() const { return number != 0; }
     /// The server offers no TLS and the password was therefore not sent.
     bool noTls() const;
