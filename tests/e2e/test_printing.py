@@ -10,10 +10,11 @@ import subprocess
 import sys
 import time
 import unittest
+from email.message import EmailMessage
 
 sys.path.insert(0, os.path.dirname(__file__))
 
-from mirel_a11y import ScreenReaderCase, run_in_private_bus  # noqa: E402
+from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
 from mirel_harness import BUILD_DIR, Session  # noqa: E402
 
 if __name__ == "__main__":
@@ -64,6 +65,15 @@ class Printing(ScreenReaderCase):
             f.write("[AGENDA]\r\nID=100\r\n" + "\r\n".join(items) + "\r\n")
         with open(os.path.join(s.program_dir, "Mirel", "calendar.ini"), "w") as f:
             f.write("[CALENDAR]\r\n0217=%s\r\n" % triplets("  Birthday " + "x" * 300))
+        letter = EmailMessage()
+        letter["From"], letter["To"], letter["Subject"] = "ann@example.org", "me@example.org", "Long"
+        letter.set_content("".join("Line %03d of the letter\n" % i for i in range(150)))
+        letter.add_attachment(b"1234", maintype="application", subtype="x-test",
+                              params={"name": "a.bin"})
+        with open(os.path.join(s.tmp, "long.eml"), "wb") as f:
+            f.write(bytes(letter))
+        subprocess.run([os.path.join(BUILD_DIR, "tests", "mirel_test_helper"), "store-received",
+                        s.program_dir, os.path.join(s.tmp, "long.eml")], check=True, timeout=60)
         s.start()
         os.makedirs(os.path.join(BUILD_DIR, "screenshots"), exist_ok=True)
 
@@ -90,9 +100,18 @@ class Printing(ScreenReaderCase):
         self.assertNotRegex(pages[1], r"\b30\b")
 
         s.send("EMAIL")
+        pages, _ = self.job(s, "EMAILPRINT", answer="Yes")
+        self.assertEqual([p.split() for p in pages], [["TORVEX", "TERMINAL"]])  # nothing shown
+        table = self.find("MLmessages")
+        time.sleep(1)
+        cell = next(n for n in walk(table) if n is not table and n.name == "Long")
+        table.queryTable().addRowSelection(table.queryTable().getRowAtIndex(cell.getIndexInParent()))
+        time.sleep(1)
         pages, pictures = self.job(s, "EMAILPRINT", answer="Yes")
-        self.assertEqual(len(pages), 1)
-        self.assertIn("TORVEX TERMINAL", pages[0])
+        self.assertGreater(len(pages), 1)
+        self.assertRegex(pages[0], r"TORVEX TERMINAL\s+From:\s+ann@example.org\s+To:")
+        self.assertNotIn("TORVEX", "".join(pages[1:]))
+        self.assertRegex(pages[-1], r"Line 149 of the letter\s+Attachments:\s+a.bin")
         self.assertEqual(pictures, [(3000, 1)])
 
 
