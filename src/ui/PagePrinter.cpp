@@ -212,7 +212,7 @@ void printMessagePages(PrintJob& job, const QString& summary) {
     doc.setDocumentMargin(0);
     doc.setPageSize(a.size());
     QTextOption option = doc.defaultTextOption();
-    option.setTabStopDistance(printer.resolution() / 2.0);
+    option.setTabStopDistance(48); // half an inch at 96 dots per inch, as image sizes
     doc.setDefaultTextOption(option);
 
     QTextCursor c(&doc);
