@@ -3,6 +3,7 @@
 #include "platform/ProtocolTrace.h"
 
 #include <cctype>
+#include <cstring>
 #include <curl/curl.h>
 #include <mutex>
 #include <openssl/evp.h>
@@ -182,6 +183,10 @@ TransportError CurlEasy::errorFor(int code) const {
     QByteArray text = curl_easy_strerror(CURLcode(code));
     if (m_errorBuffer[0] && text != m_errorBuffer)
         text += QByteArray(": ") + m_errorBuffer;
+    // The system's reason ("Connection refused") is what a user can act on.
+    long osError = 0;
+    if (curl_easy_getinfo(m_curl, CURLINFO_OS_ERRNO, &osError) == CURLE_OK && osError)
+        text += QByteArray(" [") + std::strerror(int(osError)) + ']';
     // The server's own words for a refusal say most; the replies after it
     // (QUIT on the way out) say nothing.
     for (qsizetype i = m_replies.size() - 1; i >= 0; --i) {

@@ -1,6 +1,7 @@
 #include "ui/frmQuestion.h"
 
 #include "settings/IniHelpers.h"
+#include "ui/LayoutEngine.h"
 #include "ui/SoundPlayer.h"
 
 #include <QLabel>

@@ -147,7 +147,7 @@ TEST(IniFile, RefusesTextThatWouldAddKeysOrSections) {
     ASSERT_TRUE(IniFile::write(file, "Voice", "Mirel", "NOTES"));
     const QByteArray before = readAll(file);
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.section + " / " + c.key + " / " + c.value);
+        SCOPED_TRACE((c.section + " / " + c.key + " / " + c.value).toStdString());
         EXPECT_EQ(IniFile::write(file, c.section, c.key, c.value).status, IniResult::IoError);
         IniDocument doc(before);
         EXPECT_FALSE(doc.setValues(c.section, {{"ok", "1"}, {c.key, c.value}}));

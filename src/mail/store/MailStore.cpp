@@ -137,10 +137,12 @@ QList<QByteArray> MailStore::MailStoreStartup(IniHelpers& ini) {
         CreateAttachmentsDatabase(k);
     }
 
+    const NewFileGuard fresh(blankPagePath());
     QSaveFile page(blankPagePath());
     if (page.open(QIODevice::WriteOnly)) {
         page.write(kBlankPage);
         page.commit();
+        fresh.done();
     }
 
     QList<QByteArray> accounts;

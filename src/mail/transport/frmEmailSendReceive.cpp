@@ -51,7 +51,7 @@ frmEmailSendReceive::frmEmailSendReceive(const LayoutEngine& engine, MailStore& 
         ctx.folders.path(ServerTrust::kLiteral), [this](const QString& title, const QString& text) {
             // Asked over this window, which shows the run: never a question
             // nobody sees.
-            return isVisible() && frmQuestion::ask(engine(), this, title, text);
+            return isVisible() && frmQuestion::ask(this->engine(), this, title, text);
         });
     connect(m_runner.get(), &SendReceiveRunner::statusLine, this,
             &frmEmailSendReceive::StatusUpdate);

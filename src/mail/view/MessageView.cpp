@@ -1,5 +1,6 @@
 #include "mail/view/MessageView.h"
 
+#include "platform/PrivateFiles.h"
 #include "mail/store/MailStore.h"
 #include "mail/view/MessagePage.h"
 
@@ -50,10 +51,12 @@ const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
     m.charset = MessagePage::displayCharset(m.page, m.headers);
     m.page = MessagePage::build(m.text, m.page);
 
+    const NewFileGuard fresh(pagePath()); // the message's text
     QSaveFile file(pagePath());
     if (file.open(QIODevice::WriteOnly)) {
         file.write(m.page + "\r\n");
         file.commit();
+        fresh.done();
     }
 
     m.summary += m.text + "\r\n\r\n";
