@@ -72,6 +72,7 @@ void frmInput::onShown() {
 
 void frmInput::setPrompt(const QString& prompt, const QByteArray& preset) {
     setWindowTitle(prompt);
+    setAccessibleName(prompt);
     m_input->setAccessibleName(prompt);
     m_prompt->setText(prompt);
     m_prompt->setVisible(!m_prompt->geometry().isEmpty());

@@ -58,14 +58,21 @@ class MailFolders(ScreenReaderCase):
             time.sleep(0.2)
         self.fail("never came true")
 
-    def window(self, title):
-        return self.find(title, shown=True)
+    def window(self, title, timeout=10):
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            for node in walk(self.app()):
+                if node.name == title and node.getRoleName() not in ("label", "text", "entry") \
+                        and self.showing(node):
+                    return node
+            time.sleep(0.3)
+        self.fail("no window %r" % title)
 
-    def inside(self, top, name, role):
+    def inside(self, top, name, *roles):
         for node in walk(top):
-            if node.name == name and node.getRoleName() == role:
+            if node.name == name and node.getRoleName() in roles:
                 return node
-        self.fail("no %s %r in %r" % (role, name, top.name))
+        self.fail("no %s %r in %r" % (roles, name, top.name))
 
     def select_rows(self, table, texts):
         rows = table.queryTable()
@@ -78,15 +85,16 @@ class MailFolders(ScreenReaderCase):
 
     def choose_in(self, top, row):
         items = self.inside(top, "Folders", "list")
+        table = items.queryTable()
         for i in range(items.childCount):
             if items.getChildAtIndex(i).name == row:
-                items.querySelection().selectChild(i)
+                table.addRowSelection(table.getRowAtIndex(i))
                 return
         self.fail("no folder row %r" % row)
 
     def answer(self, prompt, text):
         box = self.window(prompt)
-        self.inside(box, prompt, "text").queryEditableText().setTextContents(text)
+        self.inside(box, prompt, "text", "entry").queryEditableText().setTextContents(text)
         self.inside(box, "OK", "push button").queryAction().doAction(0)
 
     def test_file_move_delete_and_save(self):
