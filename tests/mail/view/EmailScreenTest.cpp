@@ -258,9 +258,14 @@ TEST(EmailScreen, OrganiseMessagesAndFolders) {
     FolderManager(*m.w->mailStore(), m.sink).create("Old");
     f.openFolder("Old");
     QList<QByteArray> answers{"New name"};
-    QTimer::singleShot(0, [&] {
-        auto* d = qobject_cast<frmEmailConfig*>(QApplication::activeModalWidget());
-        ASSERT_NE(d, nullptr);
+    QTimer poll; // acts once the dialog runs modally
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        frmEmailConfig* d = nullptr; // a dialog another test left open may be the active one
+        for (QWidget* w : QApplication::topLevelWidgets())
+            d = d ? d : qobject_cast<frmEmailConfig*>(w);
+        if (!d || !d->isVisible())
+            return;
+        poll.stop();
         d->setNamePrompt([&](const QString&, const QByteArray&) { return answers.takeFirst(); });
         d->MLmessages()->item(0)->setSelected(true);
         d->runCommand("EMAILCONFIGRENAME");
@@ -269,6 +274,7 @@ TEST(EmailScreen, OrganiseMessagesAndFolders) {
         d->runCommand("EMAILCONFIGDELETE");
         d->runCommand("OK");
     });
+    poll.start(10);
     f.FolderManagerDialog();
     EXPECT_EQ(m.screen().view().currentFolder(), "0");
     EXPECT_FALSE(QFileInfo::exists(m.dir.file("prog/Email/New name")));
