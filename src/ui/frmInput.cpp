@@ -59,6 +59,7 @@ frmInput::~frmInput() = default;
 
 void frmInput::setPrompt(const QString& title, const QString& prompt, const QByteArray& proposal) {
     setWindowTitle(title);
+    setAccessibleName(title); // screen readers name the window by it
     m_input->setAccessibleName(prompt);
     m_input->setText(Cp1252::toUnicode(proposal));
     if (!m_prompt) {

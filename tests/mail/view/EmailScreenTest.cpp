@@ -5,15 +5,23 @@
 #include "TestSupport.h"
 #include "app/frmMain.h"
 #include "mail/store/MailStore.h"
+#include "mail/store/frmEmailConfig.h"
+#include "mail/view/FolderScreen.h"
 #include "platform/Clock.h"
 #include "platform/SettingsStore.h"
 #include "ui/SkinButton.h"
 
+#include <QApplication>
+#include <QComboBox>
 #include <QDir>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
 #include <QListWidget>
 #include <QTextBrowser>
 #include <QTextDocument>
 #include <QTextEdit>
+#include <QTimer>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
 
@@ -204,6 +212,73 @@ TEST(EmailScreen, UnreadColourStandsApart) {
             EXPECT_NE(c, fore);
             EXPECT_NE(c, back);
         }
+}
+
+// Catches: deleting that opens (and marks read) the neighbouring row, a
+// Delete key or attachment double click that does nothing, "Mail" staying
+// in the last folder, and a screen left on a folder renamed or deleted.
+TEST(EmailScreen, OrganiseMessagesAndFolders) {
+    Main m;
+    for (const QByteArray n : {"a", "b", "c"})
+        m.add("0", n, "x@y.org", {}, {{"name=\"../" + n + ".txt\"", "bytes of " + n}});
+    m.click("EMAIL");
+    FolderScreen& f = *m.w->folderScreen();
+    QTreeWidget* list = m.screen().MLmessages();
+    EXPECT_EQ(f.lblFolder()->text(), "Inbox");
+    list->topLevelItem(0)->setSelected(true);
+    list->topLevelItem(2)->setSelected(true);
+    QKeyEvent del(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
+    QApplication::sendEvent(list, &del);
+    EXPECT_EQ(m.sink.asked.back().text, "Are you sure to delete 2 Message(s)?");
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_EQ(m.w->mailStore()->readIndexRow("0", 2)->readed, 0);
+    EXPECT_EQ(m.w->mailStore()->FillMessageIndexList("3").size(), 2u);
+
+    m.clickRow(0);
+    m.screen().lvAttachments()->item(0)->setSelected(true);
+    QString proposed;
+    f.setSaveChooser([&](const QString& name, const QString&) {
+        proposed = name;
+        return m.dir.file("saved.txt");
+    });
+    Q_EMIT m.screen().lvAttachments()->itemActivated(m.screen().lvAttachments()->item(0));
+    EXPECT_EQ(proposed, "b.txt");
+    EXPECT_EQ(test::readAll(m.dir.file("saved.txt")), "bytes of b");
+
+    f.setTargetChooser([](const QList<QByteArray>&, QByteArrayView) { return "Deleted"; });
+    list->topLevelItem(0)->setSelected(true);
+    f.MoveSelectedMessages();
+    EXPECT_EQ(list->topLevelItemCount(), 0);
+    f.openFolder("3");
+    EXPECT_EQ(f.lblFolder()->text(), "Deleted");
+    EXPECT_EQ(list->topLevelItemCount(), 3);
+    m.click("EMAIL");
+    EXPECT_EQ(f.lblFolder()->text(), "Inbox");
+
+    FolderManager(*m.w->mailStore(), m.sink).create("Old");
+    f.openFolder("Old");
+    QList<QByteArray> answers{"New name"};
+    QTimer poll; // acts once the dialog runs modally
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        frmEmailConfig* d = nullptr; // a dialog another test left open may be the active one
+        for (QWidget* w : QApplication::topLevelWidgets())
+            d = d ? d : qobject_cast<frmEmailConfig*>(w);
+        if (!d || !d->isVisible())
+            return;
+        poll.stop();
+        d->setNamePrompt([&](const QString&, const QByteArray&) { return answers.takeFirst(); });
+        d->MLmessages()->item(0)->setSelected(true);
+        d->runCommand("EMAILCONFIGRENAME");
+        EXPECT_EQ(f.lblFolder()->text(), "New name");
+        d->MLmessages()->item(0)->setSelected(true);
+        d->runCommand("EMAILCONFIGDELETE");
+        d->runCommand("OK");
+    });
+    poll.start(10);
+    f.FolderManagerDialog();
+    EXPECT_EQ(m.screen().view().currentFolder(), "0");
+    EXPECT_FALSE(QFileInfo::exists(m.dir.file("prog/Email/New name")));
+    EXPECT_EQ(f.cboFolders()->count(), 4);
 }
 
 } // namespace

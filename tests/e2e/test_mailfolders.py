@@ -1,0 +1,173 @@
+"""Filing mail in the real program under Xvfb with the bundled theme, driven
+through the accessibility layer as a screen reader's user would: a folder
+made in the folder manager, two messages moved there, one deleted twice
+(into "Deleted", then for good), and the folder renamed and deleted while
+it is shown."""
+
+import os
+import shutil
+import sqlite3
+import subprocess
+import sys
+import time
+import unittest
+from email.message import EmailMessage
+
+sys.path.insert(0, os.path.dirname(__file__))
+
+from mirel_a11y import ScreenReaderCase, pointer_click, run_in_private_bus, walk  # noqa: E402
+from mirel_harness import BUILD_DIR, SOURCE_DIR, Session  # noqa: E402
+
+if __name__ == "__main__":
+    run_in_private_bus(__file__)
+
+HELPER = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
+PAYLOAD = bytes((i * 37 + i // 251) % 256 for i in range(30000))
+
+
+def message(path, subject, attachment=None):
+    m = EmailMessage()
+    m["From"] = "ann@example.org"
+    m["To"] = "me@example.org"
+    m["Subject"] = subject
+    m["Message-ID"] = "<%s@example.org>" % subject.replace(" ", ".")
+    m.set_content("Body of %s\n" % subject)
+    if attachment:
+        m.add_attachment(PAYLOAD, maintype="application", subtype="octet-stream",
+                         filename=attachment)
+    with open(path, "wb") as f:
+        f.write(bytes(m))
+
+
+class MailFolders(ScreenReaderCase):
+    def count(self, s, folder):
+        path = os.path.join(s.program_dir, "Email", folder, "index.mdb")
+        if not os.path.exists(path):
+            return None
+        db = sqlite3.connect(path)
+        try:
+            return db.execute('SELECT COUNT(*) FROM "Index"').fetchone()[0]
+        finally:
+            db.close()
+
+    def until(self, what, timeout=10):
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            if what():
+                return
+            time.sleep(0.2)
+        self.fail("never came true")
+
+    def window(self, title, timeout=10):
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            for node in walk(self.app()):
+                if node.name == title and node.getRoleName() not in ("label", "text", "entry") \
+                        and self.showing(node):
+                    return node
+            time.sleep(0.3)
+        self.fail("no window %r" % title)
+
+    def inside(self, top, name, *roles):
+        for node in walk(top):
+            if node.name == name and node.getRoleName() in roles:
+                return node
+        self.fail("no %s %r in %r" % (roles, name, top.name))
+
+    def select_rows(self, table, texts):
+        rows = table.queryTable()
+        for r in range(rows.nRows):
+            if rows.isRowSelected(r):
+                rows.removeRowSelection(r)
+        for node in list(walk(table)):
+            if node is not table and node.name in texts:
+                rows.addRowSelection(rows.getRowAtIndex(node.getIndexInParent()))
+
+    def choose_in(self, top, row):
+        items = self.inside(top, "Folders", "list")
+        table = items.queryTable()
+        for i in range(items.childCount):
+            if items.getChildAtIndex(i).name == row:
+                table.addRowSelection(table.getRowAtIndex(i))
+                return
+        self.fail("no folder row %r" % row)
+
+    def answer(self, prompt, text):
+        box = self.window(prompt)
+        self.inside(box, prompt, "text", "entry").queryEditableText().setTextContents(text)
+        self.inside(box, "OK", "push button").queryAction().doAction(0)
+
+    def test_file_move_delete_and_save(self):
+        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                                     "QT_ACCESSIBILITY": "1"}, theme=False)
+        self.addCleanup(s.close)
+        shutil.copytree(os.path.join(SOURCE_DIR, "themes", "Default"),
+                        os.path.join(s.program_dir, "themes", "Test"))
+        files = []
+        for subject, attachment in (("Alpha", None), ("Beta", "../report.bin"), ("Gamma", None)):
+            files.append(os.path.join(s.tmp, subject + ".eml"))
+            message(files[-1], subject, attachment)
+        stored = subprocess.run([HELPER, "store-received", s.program_dir, *files],
+                                capture_output=True, timeout=60)
+        self.assertEqual(stored.returncode, 0, stored.stderr)
+
+        s.start()
+        s.send("EMAIL")
+        table = self.find("MLmessages", shown=True)
+        self.find("Folder: Inbox", shown=True)
+
+        s.send("EMAILCONFIG")
+        self.inside(self.window("Mail folders"), "EMAILCONFIGNEW", "push button") \
+            .queryAction().doAction(0)
+        self.answer("Enter Name for new Folder", "Archive")
+        self.until(lambda: self.count(s, "Archive") == 0)
+        s.screenshot("dialog-emailconfig-folders")
+        self.inside(self.window("Mail folders"), "OK", "push button").queryAction().doAction(0)
+
+        self.select_rows(table, {"Alpha", "Beta"})
+        s.send("EMAILMOVE")
+        move = self.window("Move to folder")
+        self.choose_in(move, "Archive")
+        s.screenshot("dialog-emailmove")
+        self.inside(move, "OK", "push button").queryAction().doAction(0)
+        self.until(lambda: self.count(s, "Archive") == 2 and self.count(s, "0") == 1)
+
+        self.select_rows(table, {"Gamma"})
+        s.send("EMAILDELETE")
+        self.inside(self.window("TORVEX Terminal"), "Yes", "push button").queryAction().doAction(0)
+        self.until(lambda: self.count(s, "0") == 0 and self.count(s, "3") == 1)
+
+        # The chooser reaches every folder; in "Deleted" a delete is final.
+        self.open_folder("Deleted")
+        self.select_rows(table, {"Gamma"})
+        s.send("EMAILDELETE")
+        self.inside(self.window("TORVEX Terminal"), "Yes", "push button").queryAction().doAction(0)
+        self.until(lambda: self.count(s, "3") == 0)
+
+        self.open_folder("Archive")
+        self.assertEqual(self.count(s, "Archive"), 2)
+
+        # Renamed and deleted while it is shown: the screen follows, then
+        # falls back to the inbox.
+        s.send("EMAILCONFIG")
+        config = self.window("Mail folders")
+        self.choose_in(config, "Archive")
+        self.inside(config, "EMAILCONFIGRENAME", "push button").queryAction().doAction(0)
+        self.answer("Enter Name for new Folder", "Old mail")
+        self.find("Folder: Old mail")
+        self.choose_in(config, "Old mail")
+        self.inside(config, "EMAILCONFIGDELETE", "push button").queryAction().doAction(0)
+        self.inside(self.window("TORVEX Terminal"), "Yes", "push button").queryAction().doAction(0)
+        self.find("Folder: Inbox")
+        self.assertFalse(os.path.exists(os.path.join(s.program_dir, "Email", "Old mail")))
+        self.inside(config, "OK", "push button").queryAction().doAction(0)
+        time.sleep(0.5)
+        s.screenshot("email-folder")
+
+    def open_folder(self, name):
+        pointer_click(self.x.display, self.find(role="combo box", shown=True))
+        pointer_click(self.x.display, self.find(name, "list item", shown=True))
+        self.find("Folder: " + name, shown=True)
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
