@@ -94,8 +94,9 @@ def write_sample_data(prog):
               ("Jonas Weber", "jonas.weber@example.net", "Lindenweg 3", "Freiburg"),
               ("Aiko Tanaka", "aiko@example.com", "2-14 Sakura-cho", "Kyoto")]
     for i, (name, mail, street, town) in enumerate(people):
+        # Field 13 is the address the mail editor's picker offers.
         fields = [name, mail, "+49 761 555 01%02d" % i, street, town, "", "", "", "", "", "",
-                  "", "", "", "", ""]
+                  "", mail, "", "", ""]
         put(os.path.join(folders["Addressbook"], "%d.dat" % i),
             fields[:12] + [fields[14], fields[15], fields[12], fields[13]] +
             [triplets("Met at the conference.\r\nLikes hiking.")])

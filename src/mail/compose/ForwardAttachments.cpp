@@ -11,8 +11,8 @@ namespace mirel {
 
 QByteArray ForwardAttachments::fileNameFor(QByteArrayView storedName, int position) {
     const QByteArray fallback = "att" + QByteArray::number(position) + ".att";
-    if (!storedName.contains('"'))
-        return fallback;
+    // A name without quotes is used as it stands, so the recipient of the
+    // forward sees the name the sender gave, not "att1.att".
     const QByteArray name = MessageView::attachmentName(storedName);
     const bool plain = !name.isEmpty() && name != "." && name != ".." && !name.contains('/') &&
                        !name.contains('\\') && !name.contains('\0');

@@ -5,8 +5,8 @@
 // once the window has closed, so nothing of a forward stays on disk.
 //
 // Names come from strangers: a name is used only as a plain file name inside
-// the scratch folder; one with folder parts or none at all is replaced by
-// "att<n>.att".
+// the scratch folder; one with folder parts, none at all or one used twice
+// is replaced by "att<n>.att".
 #include <QByteArray>
 #include <QList>
 #include <QString>

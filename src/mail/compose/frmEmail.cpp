@@ -147,6 +147,15 @@ void frmEmail::setUpControls(const ComposePresets& presets, const EmailAccountLi
         {m_size, "FontSizeCombo"},   {m_edit, "DHTMLEdit1"},    {m_attachments, "lvAttachments"}};
     for (const auto& [w, n] : names)
         name(w, QString::fromLatin1(n));
+    // The choosers' lines give only a background; their text takes the
+    // colour of the recipient boxes so it reads on it.
+    for (QWidget* w : std::initializer_list<QWidget*>{m_account, m_font, m_size}) {
+        QPalette pal = w->palette();
+        for (QPalette::ColorRole role :
+             {QPalette::Text, QPalette::ButtonText, QPalette::WindowText})
+            pal.setColor(role, m_to->palette().color(QPalette::Text));
+        w->setPalette(pal);
+    }
     // A recipient list is never cut: the outbox keeps it whole.
     for (QLineEdit* e : {m_to, m_cc, m_bcc, m_subject})
         e->setMaxLength(32767);

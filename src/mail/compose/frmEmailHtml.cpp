@@ -45,7 +45,8 @@ QByteArray fragmentHtml(const QTextFragment& f) {
             font += " SIZE=" + QByteArray::number(size);
     }
     if (fmt.hasProperty(QTextFormat::ForegroundBrush) &&
-        fmt.foreground().color() != QColor(Qt::white) && fmt.foreground().style() != Qt::NoBrush)
+        fmt.foreground().color() != QColor(Qt::white) && fmt.foreground().style() != Qt::NoBrush &&
+        !fmt.isAnchor()) // the reader colours its links itself
         font += " COLOR=" + colourName(fmt.foreground().color());
     if (fmt.isAnchor() && !fmt.anchorHref().isEmpty()) {
         open += "<A HREF=" + attr(fmt.anchorHref()) + '>';
@@ -120,6 +121,12 @@ QByteArray frmEmailHtml::serialise(const QTextDocument& doc, bool forText) {
         openList = nullptr;
     };
     for (QTextBlock block = doc.begin(); block.isValid(); block = block.next()) {
+        // Lines stay short for the mail; a break after the last block would
+        // read back as a trailing space.
+        const bool rule =
+            block.blockFormat().hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth);
+        if (block != doc.begin() && !rule)
+            body += "\r\n";
         const QTextBlockFormat bf = block.blockFormat();
         QTextList* list = block.textList();
         // Indents nest as quotes; a quote read back from HTML is a margin.
@@ -130,7 +137,7 @@ QByteArray frmEmailHtml::serialise(const QTextDocument& doc, bool forText) {
             body += "</BLOCKQUOTE>";
         for (; openQuotes < quotes; ++openQuotes)
             body += "<BLOCKQUOTE>";
-        if (bf.hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth)) {
+        if (rule) {
             body += "<HR>";
             continue;
         }
@@ -156,12 +163,11 @@ QByteArray frmEmailHtml::serialise(const QTextDocument& doc, bool forText) {
         } else {
             body += "<P>" + (content.isEmpty() ? QByteArray("&nbsp;") : content) + "</P>";
         }
-        body += "\r\n";
     }
     closeList();
     for (; openQuotes > 0; --openQuotes)
         body += "</BLOCKQUOTE>";
-    return "<HTML><HEAD></HEAD><BODY BGCOLOR=#000000 TEXT=#FFFFFF>\r\n" + body + "</BODY></HTML>";
+    return "<HTML><HEAD></HEAD><BODY BGCOLOR=#000000 TEXT=#FFFFFF>" + body + "</BODY></HTML>";
 }
 
 } // namespace mirel
