@@ -157,7 +157,7 @@ def compose_shots(binary, theme, display, out, size):
 class Run:
     """One program folder with the theme, one settings store, one program."""
 
-    def __init__(self, binary, theme, display, sample=False, account=False):
+    def __init__(self, binary, theme, display, sample=False, account=False, prepare=None):
         self.binary = binary
         self.tmp = tempfile.mkdtemp(prefix="mirel-shots-")
         prog = os.path.join(self.tmp, "prog")
@@ -178,6 +178,8 @@ class Run:
                         XDG_CONFIG_HOME=config, XDG_DATA_HOME=os.path.join(self.tmp, "data"),
                         XDG_RUNTIME_DIR=self.tmp, MIREL_READY_MARKER="1")
         self.display = display
+        if prepare:
+            prepare(prog)
         self.proc = subprocess.Popen([binary], env=self.env, stdout=subprocess.PIPE,
                                      stderr=subprocess.DEVNULL)
         deadline = time.time() + 30
@@ -233,17 +235,18 @@ def clear_pop3_server():
 
 def shoot_question(binary, theme, display, out):
     listener = clear_pop3_server()
-    run = Run(binary, theme, display)
-    try:
-        prog = os.path.join(run.tmp, "prog")
+
+    def account(prog):
         os.makedirs(os.path.join(prog, "Email"), exist_ok=True)
         record = "* Home|127.0.0.1:%d|ann|pw|0|0||ann@example.org|Ann|" % listener.getsockname()[1]
         with open(os.path.join(prog, "Email", "accounts.ini"), "w") as f:
             f.write("[Email]\r\n0=%s\r\n" % triplets(record))
+    run = Run(binary, theme, display, prepare=account)
+    try:
         run.send("EMAIL")
         time.sleep(1)
         run.send("EMAILSENDRECEIVE")
-        run.shot(os.path.join(out, "dialog-question.png"))
+        run.shot(os.path.join(out, "dialog-question.png"), settle=10)
     finally:
         run.close()
         listener.close()
