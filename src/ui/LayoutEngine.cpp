@@ -284,6 +284,8 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
     case ControlKind::Label: {
         const int index = ++t.labels;
         auto* l = new QLabel(&host);
+        // Labels show themes' captions and mail's status: never markup.
+        l->setTextFormat(Qt::PlainText);
         const QString caption = Cp1252::toUnicode(restAfterCommas(line.raw, 14));
         l->setText(caption);
         l->setObjectName(QStringLiteral("lblBox%1").arg(index));

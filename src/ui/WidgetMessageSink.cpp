@@ -7,6 +7,8 @@ namespace mirel {
 void WidgetMessageSink::showMessage(const QString& text, const QString& title, Icon icon) {
     QMessageBox box(m_parent);
     box.setWindowTitle(title);
+    // Messages quote file, folder and server texts, which may look like markup.
+    box.setTextFormat(Qt::PlainText);
     box.setText(text);
     switch (icon) {
     case Icon::Information:
@@ -28,8 +30,11 @@ void WidgetMessageSink::showMessage(const QString& text, const QString& title, I
 }
 
 bool WidgetMessageSink::askYesNo(const QString& text, const QString& title) {
-    return QMessageBox::question(m_parent, title, text, QMessageBox::Yes | QMessageBox::No,
-                                 QMessageBox::No) == QMessageBox::Yes;
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No,
+                    m_parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
 }
 
 } // namespace mirel

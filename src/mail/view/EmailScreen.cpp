@@ -10,10 +10,12 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QHeaderView>
+#include <QImage>
 #include <QListWidget>
 #include <QPointer>
 #include <QStyle>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QTreeWidget>
 
 namespace mirel {
@@ -21,12 +23,30 @@ namespace mirel {
 namespace {
 
 // Mail is read offline: the page may name pictures or style sheets on the
-// network or on this disk, and none of them is fetched.
+// network or on this disk, and none of them is fetched. The answer must be
+// a value, and for a picture a picture: for no value, or bytes that are no
+// picture, the document opens the named file itself, and a message naming
+// /dev/zero or a pipe would never return.
 class OfflineBrowser : public QTextBrowser {
 public:
     using QTextBrowser::QTextBrowser;
-    QVariant loadResource(int, const QUrl&) override { return {}; }
+    QVariant loadResource(int type, const QUrl&) override {
+        if (type != QTextDocument::ImageResource)
+            return QByteArray();
+        static const QImage kNothing = [] {
+            QImage i(1, 1, QImage::Format_ARGB32);
+            i.fill(Qt::transparent);
+            return i;
+        }();
+        return kNothing;
+    }
 };
+
+// Tool tips show anything that looks like markup as rich text, pictures
+// included; a name from a message is shown as the characters it is.
+QString plainToolTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
 
 // Rows are added in batches, and pending events run between them, so a
 // long folder fills visibly without repainting once per row.
@@ -221,7 +241,7 @@ void EmailScreen::ShowMessage(QByteArrayView folder, qint32 id) {
     for (const QByteArray& name : m.attachmentNames) {
         const QString shown = MailDisplayText::decodeHeader(name);
         auto* item = new QListWidgetItem(icon, MessageView::attachmentCaption(shown));
-        item->setToolTip(shown);
+        item->setToolTip(plainToolTip(shown));
         m_attachments->addItem(item);
     }
     ShowMessageControls();
@@ -247,12 +267,10 @@ void EmailScreen::ShowMessageControls() {
 }
 
 void EmailScreen::linkClicked(const QUrl& url) {
-    // Only addresses the desktop's browser or mail program can take; a
-    // relative or local link of a message leads nowhere.
-    const QString scheme = url.scheme().toLower();
-    if (scheme == QLatin1String("http") || scheme == QLatin1String("https") ||
-        scheme == QLatin1String("mailto") || scheme == QLatin1String("ftp"))
-        m_openLink(url);
+    // A relative or local link of a message leads nowhere.
+    const QUrl outside = MessageView::outsideLink(url);
+    if (!outside.isEmpty())
+        m_openLink(outside);
 }
 
 } // namespace mirel

@@ -5,6 +5,7 @@
 #include "mail/view/MessagePage.h"
 
 #include <QSaveFile>
+#include <QUrlQuery>
 
 namespace mirel {
 
@@ -78,6 +79,29 @@ QByteArray MessageView::attachmentName(QByteArrayView view) {
         return filename;
     const qsizetype close = filename.indexOf('"', open + 1);
     return close < 0 ? filename.mid(open + 1) : filename.mid(open + 1, close - open - 1);
+}
+
+QUrl MessageView::outsideLink(const QUrl& link) {
+    const QString scheme = link.scheme().toLower();
+    if (scheme == QLatin1String("http") || scheme == QLatin1String("https") ||
+        scheme == QLatin1String("ftp"))
+        return link;
+    if (scheme != QLatin1String("mailto"))
+        return {};
+    static const QStringList kFields = {QStringLiteral("to"),   QStringLiteral("cc"),
+                                        QStringLiteral("bcc"),  QStringLiteral("subject"),
+                                        QStringLiteral("body"), QStringLiteral("in-reply-to")};
+    QUrlQuery kept;
+    for (const auto& [key, value] : QUrlQuery(link).queryItems(QUrl::FullyDecoded))
+        if (kFields.contains(key.toLower()))
+            kept.addQueryItem(key, value);
+    QUrl out;
+    out.setScheme(QStringLiteral("mailto"));
+    // An encoded "?" in the address would start fields of its own once the
+    // mail program decodes it.
+    out.setPath(link.path(QUrl::FullyDecoded).section(QLatin1Char('?'), 0, 0));
+    out.setQuery(kept);
+    return out;
 }
 
 QString MessageView::attachmentCaption(const QString& name) {

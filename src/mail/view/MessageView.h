@@ -12,6 +12,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QUrl>
 
 namespace mirel {
 
@@ -62,6 +63,11 @@ public:
     /// The file name in an attachment's stored parameter text: the text
     /// between the first two double quotes, or all of it without quotes.
     static QByteArray attachmentName(QByteArrayView filename);
+    /// What a followed link hands to the desktop: web, ftp and mail
+    /// addresses only (anything else gives an empty address), and a mail
+    /// address keeps only the fields of a new message, so a link cannot
+    /// make the mail program attach a local file.
+    static QUrl outsideLink(const QUrl& link);
     /// A name cut to the twelve characters an icon caption holds.
     static QString attachmentCaption(const QString& name);
 

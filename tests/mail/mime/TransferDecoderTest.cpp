@@ -3,7 +3,6 @@
 #include "platform/BinHexDecoder.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 using namespace mirel;
 using namespace mirel::test;
@@ -63,31 +62,6 @@ TEST(BinHexDecoderTest, DamagedBlocksGiveWhatTheyHold) {
     }
     // No block at all: the text is kept as it is.
     EXPECT_EQ(TransferDecoder::decodeBinHex("no block here"), QByteArray("no block here"));
-}
-
-// Catches run-length codes expanded past the lengths the header declares:
-// a megabyte of repeat codes once grew to over a hundred megabytes.
-TEST(BinHexDecoderTest, RepeatCodesStopAtTheDeclaredLengths) {
-    QByteArray bytes = "\x01x" + QByteArray("\0TEXTMIR2\0\0", 11) +
-                       QByteArray("\0\0\0\x04\0\0\0\0", 8) + "cc" + "data" + "cc" + "cc";
-    bytes += QByteArray("\x90\xff").repeated(1 << 19); // 128 MB if expanded
-    static const char kDigits[] =
-        "!\"#$%&'()*+,-012345689@ABCDEFGHIJKLMNPQRSTUVXYZ[`abcdefhijklmpqr";
-    QByteArray text = "(This file must be converted with BinHex 4.0)\r\n:";
-    for (qsizetype i = 0; i + 2 < bytes.size(); i += 3) {
-        const quint32 v = quint32(uchar(bytes[i])) << 16 | quint32(uchar(bytes[i + 1])) << 8 |
-                          uchar(bytes[i + 2]);
-        for (int shift : {18, 12, 6, 0})
-            text += kDigits[(v >> shift) & 63];
-    }
-    rusage before{}, after{};
-    getrusage(RUSAGE_SELF, &before);
-    const BinHexDecoder::Result r = BinHexDecoder::decode(text + ':');
-    getrusage(RUSAGE_SELF, &after);
-    EXPECT_EQ(r.name, "x");
-    EXPECT_EQ(r.data, "data");
-    EXPECT_TRUE(r.complete);
-    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 32 * 1024) << "kilobytes more at the peak";
 }
 
 TEST(BinHexDecoderTest, CrcIsXmodem) {
