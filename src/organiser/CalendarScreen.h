@@ -20,6 +20,9 @@ public:
     void listClicked();
     /// Shows the month and puts the caret at the end of the day's box.
     void showDay(int month, int day);
+    /// Saves the day box being typed in as leaving it would: the screen,
+    /// the month or the program is about to change under it.
+    void commitTyping();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -33,7 +36,7 @@ private:
     CalendarBook m_book;
     std::function<void()> m_refreshOverview;
     int m_month = 1;
-    QByteArray m_remembered;
+    std::array<QByteArray, 31> m_shown; // what each day box showed of the month
 };
 
 } // namespace mirel

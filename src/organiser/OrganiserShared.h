@@ -18,6 +18,8 @@ struct OrganiserShared {
     OrganiserState state{};
     AgendaLists agenda{};
     SortedList lstSorted2{true}; // the overview's open tasks
+    /// Set by each save command: whether the editor's item reached its file.
+    bool saved = false;
 };
 
 } // namespace mirel

@@ -10,8 +10,10 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QProcess>
 #include <QScreen>
+#include <QTextEdit>
 
 namespace mirel {
 
@@ -86,6 +88,21 @@ void SkinDialog::finish() {
 void SkinDialog::startProgram(const QByteArray& command) const {
     if (m_run)
         m_run(command);
+}
+
+void SkinDialog::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // Enter in a multi-line box is a new line, not "OK".
+    const bool inText = qobject_cast<QTextEdit*>(focusWidget()) != nullptr;
+    const QByteArray command = event->key() == Qt::Key_Escape ? QByteArrayLiteral("QUIT")
+                               : enter && !inText             ? QByteArrayLiteral("OK")
+                                                              : QByteArray();
+    for (int i = 1; !command.isEmpty() && i <= state().buttonCount(); ++i)
+        if (state().button(i).command.toUpper() == command) {
+            buttonClicked(i);
+            return;
+        }
+    SkinHost::keyPressEvent(event);
 }
 
 void SkinDialog::closeEvent(QCloseEvent* event) {

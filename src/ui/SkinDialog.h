@@ -55,6 +55,8 @@ protected:
     void startProgram(const QByteArray& command) const;
 
     void closeEvent(QCloseEvent* event) override;
+    /// Escape runs the dialog's "QUIT" button, Enter its "OK" button.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     std::unique_ptr<LayoutEngine> m_engine;

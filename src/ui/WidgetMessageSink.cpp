@@ -1,12 +1,16 @@
 #include "ui/WidgetMessageSink.h"
 
+#include "ui/WindowLook.h"
+
 #include <QMessageBox>
 
 namespace mirel {
 
 void WidgetMessageSink::showMessage(const QString& text, const QString& title, Icon icon) {
     QMessageBox box(m_parent);
+    WindowLook::apply(&box);
     box.setWindowTitle(title);
+    box.setTextFormat(Qt::PlainText);
     box.setText(text);
     switch (icon) {
     case Icon::Information:
@@ -28,8 +32,29 @@ void WidgetMessageSink::showMessage(const QString& text, const QString& title, I
 }
 
 bool WidgetMessageSink::askYesNo(const QString& text, const QString& title) {
-    return QMessageBox::question(m_parent, title, text, QMessageBox::Yes | QMessageBox::No,
-                                 QMessageBox::No) == QMessageBox::Yes;
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No,
+                    m_parent);
+    WindowLook::apply(&box);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+MessageSink::Answer WidgetMessageSink::askYesNoCancel(const QString& text, const QString& title) {
+    QMessageBox box(QMessageBox::Question, title, text,
+                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, m_parent);
+    WindowLook::apply(&box);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::Cancel);
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return Answer::Yes;
+    case QMessageBox::No:
+        return Answer::No;
+    default:
+        return Answer::Cancel;
+    }
 }
 
 } // namespace mirel
