@@ -32,6 +32,9 @@ QString UnsavedEdits::capture(const SkinHost& host) {
     // Labels carry the logbook stamp and the agenda's date and times.
     for (int i = 1; host.label(i); ++i)
         s += host.label(i)->text() + sep;
+    if (screen != "Agenda")
+        return s;
+    // The agenda item's weekdays, kind and priority are buttons, not text.
     for (int i = 0; i < 7; ++i)
         if (const QCheckBox* c = host.checkButton(i))
             s += QLatin1Char(c->isChecked() ? '1' : '0');
