@@ -358,11 +358,22 @@ EOF
 
 echo "theme preview"
 # The preview that a theme chooser shows, named after the theme folder and
-# kept next to it: a miniature of the agenda screen (the one screen without
-# the preview on it, so the picture never depends on its own last version).
-python3 "$ROOT/tools/skin-mockup.py" --theme "$OUT" --out "$TMP" --only agenda --sizes 1216x640 >/dev/null
-convert "$TMP/agenda-1216x640.png" -filter Lanczos -resize 320x168! -dither None -colors 128 \
-    -type Palette -compress None "BMP3:$ROOT/themes/Default.bmp"
+# kept next to it. Artwork only: a miniature screen with sample entries on
+# the overview was taken by new users for data of their own.
+convert -size 320x168 xc:"$BG" \
+    -fill "$SIDE" -draw "rectangle 0,0,63,167" \
+    -fill none -stroke "$ACCENT" -strokewidth 3 -draw "circle 32,52 32,30" \
+    -stroke "$WARM" -strokewidth 3 -draw "line 32,52 32,38" -draw "line 32,52 43,58" \
+    -stroke none -fill "$EDGE" -draw "rectangle 14,96 50,99" -draw "rectangle 14,108 50,111" \
+    -draw "rectangle 14,120 50,123" \
+    -fill "$TEXT" -font DejaVu-Sans-Bold -pointsize 30 -annotate +82+66 "Default" \
+    -fill "$ACCENT" -font DejaVu-Sans -pointsize 13 -annotate +84+88 "a Mirel theme" \
+    -fill "$BTN" -stroke "$EDGE" -strokewidth 1 -draw "roundrectangle 82,112 302,146 8,8" \
+    -stroke none -fill "$BG" -draw "circle 102,129 102,120" -fill "$PANEL" -draw "circle 130,129 130,120" \
+    -fill "$EDGE" -draw "circle 158,129 158,120" -fill "$ACCENT" -draw "circle 186,129 186,120" \
+    -fill "$WARM" -draw "circle 214,129 214,120" -fill "$TEXT" -draw "circle 242,129 242,120" \
+    -fill "$SIDE" -draw "circle 270,129 270,120" \
+    -dither None -colors 128 -type Palette -compress None "BMP3:$ROOT/themes/Default.bmp"
 
 echo "sounds"
 # All sounds: 22.05 kHz mono 16-bit, short, soft attack, at least 14 dB

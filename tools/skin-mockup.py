@@ -244,7 +244,7 @@ def draw_line(c, theme, kind, name, fields, w, h, window_bg):
         path = find(theme, name)
         c.picture(path, *rect)
         return None if path else "missing animation " + name
-    if kind in ("L", "ML", "MO", "MA", "T", "M"):
+    if kind in ("L", "ML", "MO", "MA", "MH", "T", "M"):
         rect = place(kind, fields[:4], w, h)
         if kind in ("T", "M"):
             rows = [BOX_SAMPLES.get(name.lower(), "")]
@@ -256,7 +256,7 @@ def draw_line(c, theme, kind, name, fields, w, h, window_bg):
         x, y, bw, bh = place(kind, fields[:4], w, h)
         c.rect(x, y, bw, bh, rgb(fields, 4))
         font, px = font_of(fields, 10)
-        caption = ",".join(fields[12:]) if len(fields) > 12 else ""
+        caption = fields[12] if len(fields) > 12 else ""
         caption = caption or LABEL_SAMPLES.get(name.upper(), "")
         c.text(x + 2, y + (bh + px) // 2 - 2, caption, rgb(fields, 7), px, font)
         return None

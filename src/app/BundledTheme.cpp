@@ -1,5 +1,5 @@
-#include "BuildPaths.h"
 #include "app/BundledTheme.h"
+#include "BuildPaths.h"
 
 #include "platform/PathResolver.h"
 #include "settings/Folders.h"
@@ -35,6 +35,10 @@ QString BundledTheme::locate(const QStringList& candidates) {
 }
 
 bool BundledTheme::installIfMissing(const Folders& folders, const QString& source) {
+    // A theme folder the user named is theirs, even when empty or the data
+    // root itself: only the default one is ever filled.
+    if (folders.ThemeDir.compare(Folders::kDefaultThemeDir, Qt::CaseInsensitive) != 0)
+        return false;
     if (QFileInfo(folders.themeFile(QStringLiteral("terminal.skn"))).isFile())
         return false;
     if (source.isEmpty())

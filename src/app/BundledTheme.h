@@ -17,8 +17,8 @@ class BundledTheme {
     static QStringList candidates(const QString& applicationDir);
     /// The first candidate that holds "terminal.skn"; empty when none does.
     static QString locate(const QStringList& candidates);
-    /// Copies source into the theme folder when that has no "terminal.skn".
-    /// True when a copy was made.
+    /// Copies source into the theme folder when that is the default one and
+    /// has no "terminal.skn". True when a copy was made.
     static bool installIfMissing(const Folders& folders, const QString& source);
 };
 

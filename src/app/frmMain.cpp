@@ -26,6 +26,7 @@
 #include "ui/LayoutEngine.h"
 #include "ui/SkinButton.h"
 #include "ui/SoundPlayer.h"
+#include "ui/WindowLook.h"
 #include "ui/frmInput.h"
 #include "ui/frmQuestion.h"
 
@@ -33,6 +34,7 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QProcess>
 #include <QScreen>
 #include <QThread>
@@ -69,6 +71,52 @@ frmMain::frmMain(SettingsStore& store, MessageSink& messages, const Clock& clock
     SkinDialog::programStarter() = [this](const QByteArray& command, QWidget* dialog) {
         openWithDesktop(command, dialog);
     };
+
+    // A drag sends many sizes; the screen is placed again once it rests.
+    m_relayoutTimer.setSingleShot(true);
+    m_relayoutTimer.setInterval(120);
+    connect(&m_relayoutTimer, &QTimer::timeout, this, [this] {
+        if (!m_engine || m_ended)
+            return;
+        setUpdatesEnabled(false);
+        LayoutEngine::Relayout(*this);
+        setUpdatesEnabled(true);
+    });
+}
+
+void frmMain::keyPressEvent(QKeyEvent* event) {
+    // Keys the focused control leaves unused: a text box keeps Delete and
+    // its own Enter, a button its Enter and Space.
+    const int key = event->key();
+    const auto mods = event->modifiers() & ~Qt::KeypadModifier;
+    const bool enter = (key == Qt::Key_Return || key == Qt::Key_Enter) && mods == Qt::NoModifier;
+    if (enter && focusWidget() && focusWidget() == overviewList()) {
+        overviewListReleased();
+        return;
+    }
+    QList<QByteArray> endings;
+    if (mods == Qt::ControlModifier && key == Qt::Key_S)
+        endings = {"SAVE"};
+    else if (mods == Qt::ControlModifier && key == Qt::Key_N)
+        endings = {"ADD", "NEW"};
+    else if (mods == Qt::NoModifier && key == Qt::Key_Delete)
+        endings = {"DELETE"};
+    else if (enter && state().currentScreen == "Logbook" && focusWidget() == textBox(1))
+        endings = {"SEARCH"};
+    for (int i = state().defaultButtonCount + 1; i <= state().buttonCount(); ++i) {
+        const QByteArray command = state().button(i).command.toUpper();
+        for (const QByteArray& ending : endings)
+            if (command.endsWith(ending) && button(i) && button(i)->isVisible()) {
+                ClickButton(i);
+                return;
+            }
+    }
+    SkinHost::keyPressEvent(event);
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    SkinHost::resizeEvent(event);
+    m_relayoutTimer.start();
 }
 
 frmMain::~frmMain() {
@@ -136,9 +184,22 @@ frmMain::StartResult frmMain::Form_Load() {
     const QString skin = m_folders.skinFile();
     m_dhtmlMessage =
         m_ini.ReadIniKey("DEFAULT", "NoDhtmlEd", skin) ? m_ini.IniValue : kDefaultDhtmlMessage;
+    if (m_ini.ReadIniKey("DEFAULT", "MinimumSize", skin)) {
+        // Below the size the theme was drawn for, controls would overlap or leave the window.
+        const QList<QByteArray> f = splitCommaList(m_ini.IniValue);
+        setMinimumSize(int(leadingNumber(f.value(0))), int(leadingNumber(f.value(1))));
+    }
     if (m_ini.ReadIniKey("DEFAULT", "BackGround", skin)) {
         const Rgb c = parseRgb(m_ini.IniValue);
         setBackgroundColour(QColor(c.r, c.g, c.b));
+        QFont font = QApplication::font();
+        if (m_ini.ReadIniKey("DEFAULT", "MessageFont", skin)) {
+            const QList<QByteArray> f = splitCommaList(m_ini.IniValue);
+            font.setFamily(Cp1252::toUnicode(f.value(0)));
+            if (const long size = leadingNumber(f.value(1)); size > 0 && size < 100)
+                font.setPointSize(int(size));
+        }
+        WindowLook::set(QColor(c.r, c.g, c.b), font);
     }
     if (m_ini.ReadIniKey("DEFAULT", "StartupSound", skin))
         play(m_ini.IniValue);
@@ -181,8 +242,8 @@ frmMain::StartResult frmMain::Form_Load() {
 }
 
 void frmMain::showOverview() {
-    ShowScreen("Overview");
-    fillScreen("Overview");
+    if (ShowScreen("Overview"))
+        fillScreen("Overview");
 }
 
 void frmMain::prepareMailStore() {
@@ -214,8 +275,8 @@ void frmMain::prepareDataFolders() {
         std::make_unique<OrganiserContext>(OrganiserContext{m_folders, m_ini, m_clock, m_messages});
     m_organiser = std::make_unique<OrganiserScreen>(*this, *m_organiserContext,
                                                     [this](const QByteArray& screen) {
-                                                        ShowScreen(screen);
-                                                        fillScreen(screen);
+                                                        if (ShowScreen(screen))
+                                                            fillScreen(screen);
                                                     });
     m_organiser->setMailFolderChosen([this](int folder) {
         if (m_email)
@@ -240,16 +301,53 @@ void frmMain::fillScreen(const QByteArray& screen) {
         m_mailFolders->ShowEmailScreen();
     if (m_organiser)
         m_organiser->fillScreen(screen);
+    m_edits.remember(*this);
 }
 
 void frmMain::showListEntry(const QByteArray& screen) {
     if (m_organiser)
         m_organiser->listReleased(screen);
+    m_edits.remember(*this);
 }
 
 void frmMain::jumpFromOverview() {
     if (m_organiser)
         m_organiser->overviewReleased();
+    m_edits.remember(*this);
+}
+
+bool frmMain::organiserCommand(const QByteArray& name, int arg, bool step) {
+    if (!m_organiser)
+        return false;
+    const QString before = UnsavedEdits::capture(*this);
+    m_organiser->shared().saved = false;
+    if (!m_organiser->command(name, arg))
+        return false;
+    // A refused delete or a failed save leaves the editor as it was: still unsaved.
+    if (m_organiser->shared().saved || (!step && UnsavedEdits::capture(*this) != before))
+        m_edits.remember(*this);
+    return true;
+}
+
+bool frmMain::leaveEditor(bool ask) {
+    if (m_organiser)
+        m_organiser->commitCalendar();
+    if (!m_edits.changed(*this))
+        return true;
+    if (ask) {
+        switch (m_messages.askYesNoCancel(QStringLiteral("Save changes?"), kMessageTitle)) {
+        case MessageSink::Answer::Cancel:
+            return false;
+        case MessageSink::Answer::No:
+            m_edits.remember(*this);
+            return true;
+        case MessageSink::Answer::Yes:
+            break;
+        }
+    }
+    organiserCommand(UnsavedEdits::saveCommand(state().currentScreen), 0, false);
+    // A save that failed has told why; the screen stays so nothing is lost.
+    return !ask || !m_edits.changed(*this);
 }
 
 void frmMain::refreshAgendaEditor() {
@@ -364,14 +462,22 @@ void frmMain::dispatch(const QByteArray& command) {
     case Command::Todo:
     case Command::Email:
     case Command::Overview:
-        // "Mail" opens the inbox; a folder chosen elsewhere is opened there.
-        if (match.command == Command::Email && m_email)
+        // "Mail" opens the inbox (a folder chosen elsewhere is opened
+        // there); otherwise the screen already shown keeps its boxes and its
+        // selection.
+        if (match.command == Command::Email && m_email &&
+            m_email->view().currentFolder() != MailStore::kInbox) {
             m_email->setCurrentFolder(MailStore::kInbox);
-        ShowScreen(screenOf(match.command));
-        fillScreen(screenOf(match.command));
+            if (state().currentScreen == "Email" || ShowScreen("Email"))
+                fillScreen("Email");
+            return;
+        }
+        if (ShowScreen(screenOf(match.command)))
+            fillScreen(screenOf(match.command));
         return;
     case Command::Agenda:
-        ShowScreen("Agenda");
+        if (!ShowScreen("Agenda"))
+            return;
         m_agendaViewMode = 1;
         fillScreen("Agenda");
         return;
@@ -383,10 +489,11 @@ void frmMain::dispatch(const QByteArray& command) {
             frmEmailSendReceive(*m_engine, *m_mailStore, m_clock, m_lstEmailAccounts, m_debug.get(),
                                 this)
                 .exec();
-        fillScreen(state().currentScreen); // new mail shows in the list and the overview
+        refreshAfterMail();
         return;
     case Command::Quit:
-        ShutDown();
+        if (leaveEditor(true))
+            ShutDown();
         return;
     case Command::EmailAccounts: {
         const AccountsFile file(m_ini, m_folders);
@@ -445,21 +552,31 @@ void frmMain::dispatch(const QByteArray& command) {
             m_compose->EmailForward();
         return;
     default:
-        if (m_organiser && m_organiser->command(match.name, match.arg))
+        if (organiserCommand(match.name, match.arg, match.command == Command::AgendaStep))
             return;
         notYetAvailable(match.name);
         return;
     }
 }
 
-void frmMain::ShowScreen(const QByteArray& name) {
-    if (!m_engine || name == state().currentScreen)
-        return;
+bool frmMain::ShowScreen(const QByteArray& name) {
+    if (!m_engine || name == state().currentScreen || !leaveEditor(true))
+        return false;
     if (!state().currentScreen.isEmpty())
         m_engine->ClearScreen(*this);
     state().currentScreen = name;
     m_engine->LayoutSection(*this, name, m_folders.skinFile());
     log("Screen " + name);
+    return true;
+}
+
+void frmMain::refreshAfterMail() {
+    // New mail shows in the message list and the overview; an organiser
+    // screen keeps what is being typed in it.
+    if (m_mailFolders && state().currentScreen == "Email")
+        m_mailFolders->ShowEmailScreen();
+    if (m_organiser)
+        m_organiser->showOverview();
 }
 
 void frmMain::choosePriority(int priority) {
@@ -470,6 +587,7 @@ void frmMain::choosePriority(int priority) {
 void frmMain::ShutDown() {
     if (m_ended)
         return;
+    leaveEditor(false); // the exit request of the shell cannot wait for an answer
     m_ended = true;
     m_ready = false;
     m_mailboxTimer.stop();
@@ -491,6 +609,10 @@ void frmMain::ShutDown() {
 void frmMain::closeEvent(QCloseEvent* event) {
     // Closing the window by the desktop's means ends the program the same
     // way "QUIT" does.
+    if (!m_ended && !leaveEditor(true)) {
+        event->ignore();
+        return;
+    }
     if (!m_ended)
         ShutDown();
     event->accept();

@@ -12,6 +12,7 @@
 #include "app/BusyFlag.h"
 #include "app/MailboxPoller.h"
 #include "app/ThemeSwitches.h"
+#include "app/UnsavedEdits.h"
 #include "mail/transport/EmailAccountList.h"
 #include "settings/DebugLog.h"
 #include "settings/Folders.h"
@@ -58,7 +59,8 @@ public:
     bool ended() const { return m_ended; }
 
     void ClickButton(int index);
-    void ShowScreen(const QByteArray& name);
+    /// False when the screen was shown already (nothing changes then).
+    bool ShowScreen(const QByteArray& name);
     /// The shut-down sequence; the process's event loop is told to end.
     void ShutDown();
 
@@ -102,6 +104,10 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    /// Ctrl+S, Ctrl+N and Delete run the shown screen's save, new and delete
+    /// buttons; Enter opens an overview row and searches the logbook.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void pollMailboxes();
@@ -139,6 +145,13 @@ private:
     void printAgenda(bool wholeList);
     void printMonths(int first, int last);
     void printMessage();
+    void refreshAfterMail();
+    /// An organiser command; afterwards the editor counts as unchanged when
+    /// the command saved it or loaded other values into it.
+    bool organiserCommand(const QByteArray& name, int arg, bool step);
+    /// Before the shown screen goes: "Save changes?" for an editor with
+    /// unsaved changes (or a save without asking). False: stay.
+    bool leaveEditor(bool ask);
 
     SettingsStore& m_store;
     MessageSink& m_messages;
@@ -159,7 +172,9 @@ private:
     std::unique_ptr<OrganiserScreen> m_organiser;
     MailboxPoller m_poller;
     QTimer m_mailboxTimer;
+    QTimer m_relayoutTimer;
     BusyFlag m_busy;
+    UnsavedEdits m_edits;
 
     bool m_ready = false;
     bool m_starting = false;

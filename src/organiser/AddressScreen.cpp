@@ -35,7 +35,8 @@ bool AddressScreen::command(const QByteArray& name) {
         writeBoxes();
     } else if (name == "ADDRESSSAVE") {
         readBoxes();
-        if (m_book.save(st, m_current))
+        m_sh.saved = m_book.save(st, m_current);
+        if (m_sh.saved)
             fillList(m_sh.host.generalList(), st.rows);
     } else if (name == "ADDRESSDELETE") {
         if (m_book.remove(st, m_current)) {

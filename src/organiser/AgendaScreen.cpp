@@ -81,6 +81,8 @@ bool AgendaScreen::command(const QByteArray& name, int arg) {
     if (name == "AGENDASAVE" || name == "AGENDADELETE") {
         const bool changed = name == "AGENDASAVE" ? m_editor.save(m_sh.agenda, sel, m_ed)
                                                   : m_editor.remove(m_sh.agenda, sel, m_ed);
+        if (name == "AGENDASAVE")
+            m_sh.saved = true; // the editor is emptied either way
         if (changed)
             showList();
         else

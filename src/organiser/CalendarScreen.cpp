@@ -9,6 +9,7 @@
 namespace mirel {
 
 void CalendarScreen::fill(int month) {
+    m_shown = {}; // the boxes are new
     for (int d = 1; d <= 31; ++d)
         if (QLineEdit* box = m_sh.host.textBox(d))
             box->installEventFilter(this);
@@ -19,6 +20,7 @@ void CalendarScreen::fill(int month) {
 void CalendarScreen::showMonth(int month) {
     if (month < 1 || month > 12)
         return;
+    commitTyping();
     m_month = month;
     const MonthView v = m_book.showMonth(month);
     if (auto* pic = qobject_cast<QLabel*>(m_sh.host.placed(PlacedPart::MonthPicture))) {
@@ -26,16 +28,43 @@ void CalendarScreen::showMonth(int month) {
         pic->setScaledContents(true);
         pic->setVisible(true);
     }
+    QLineEdit* previous = nullptr;
     for (int d = 1; d <= 31; ++d) {
         QLineEdit* box = m_sh.host.textBox(d);
         if (!box)
             continue;
         const bool shown = d <= v.days;
+        // Tab walks the days in calendar order, whatever order the skin placed them in.
+        if (shown && previous)
+            QWidget::setTabOrder(previous, box);
+        if (shown)
+            previous = box;
         setLineText(box, shown ? v.notes[size_t(d - 1)] : QByteArray());
         box->setVisible(shown);
         box->setFocusPolicy(shown ? Qt::StrongFocus : Qt::NoFocus);
         if (!shown)
             box->setToolTip({});
+    }
+    m_shown = v.notes;
+}
+
+void CalendarScreen::commitTyping() {
+    // Any box whose text is not what the month showed was typed in; that
+    // is the box being left, whichever way it is left.
+    if (m_sh.host.state().currentScreen != "Calendar")
+        return;
+    bool written = false;
+    for (int d = 1; d <= 31; ++d)
+        if (QLineEdit* box = m_sh.host.textBox(d); box && box->isVisibleTo(&m_sh.host)) {
+            const QByteArray text = lineText(box);
+            if (m_book.dayLeft(m_month, d, m_shown[size_t(d - 1)], text)) {
+                m_shown[size_t(d - 1)] = text;
+                written = true;
+            }
+        }
+    if (written) {
+        loadList();
+        m_refreshOverview();
     }
 }
 
@@ -75,19 +104,8 @@ int CalendarScreen::dayOf(QObject* box) const {
 }
 
 bool CalendarScreen::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::FocusIn && event->type() != QEvent::FocusOut)
-        return false;
-    const int day = dayOf(watched);
-    if (day == 0 || m_sh.host.state().currentScreen != "Calendar")
-        return false;
-    const QByteArray text = lineText(static_cast<QLineEdit*>(watched));
-    if (event->type() == QEvent::FocusIn) {
-        m_remembered = text;
-    } else if (m_book.dayLeft(m_month, day, m_remembered, text)) {
-        m_remembered = text;
-        loadList();
-        m_refreshOverview();
-    }
+    if (event->type() == QEvent::FocusOut && dayOf(watched) > 0)
+        commitTyping();
     return false;
 }
 

@@ -22,6 +22,9 @@ public:
     void showDay(int month, int day);
     int month() const { return m_month; }
     const CalendarBook& book() const { return m_book; }
+    /// Saves the day box being typed in as leaving it would: the screen,
+    /// the month or the program is about to change under it.
+    void commitTyping();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -35,7 +38,7 @@ private:
     CalendarBook m_book;
     std::function<void()> m_refreshOverview;
     int m_month = 1;
-    QByteArray m_remembered;
+    std::array<QByteArray, 31> m_shown; // what each day box showed of the month
 };
 
 } // namespace mirel

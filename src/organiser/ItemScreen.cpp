@@ -15,6 +15,11 @@ EditBoxes ItemScreen::readBoxes() const {
     b.body = boxText(h.multiLine(1));
     if (m_kind == Kind::Logbook)
         b.stamp = labelText(h.label(1));
+    // A command that changes nothing (a delete answered No, a failed save)
+    // leaves the done button as it was.
+    if (m_kind == Kind::Todo)
+        if (const SkinButton* done = h.button(h.state().tables.doneButton))
+            b.doneButtonVisible = !done->isHidden();
     return b;
 }
 
@@ -56,6 +61,9 @@ void ItemScreen::fill() {
     showRows();
     if (m_kind == Kind::Todo)
         writeBoxes(b); // the done button starts hidden
+    // Told before anything is typed, not only when a save fails.
+    static const char* const kKeys[] = {"Notes", "Logbook", "Todo"};
+    m_sh.ctx.itemFolderPresent(kKeys[int(m_kind)]);
 }
 
 bool ItemScreen::command(const QByteArray& name) {
@@ -101,6 +109,8 @@ bool ItemScreen::command(const QByteArray& name) {
         else
             return false;
     }
+    if (name.endsWith("SAVE"))
+        m_sh.saved = listChanged;
     if (listChanged)
         showRows();
     writeBoxes(b);

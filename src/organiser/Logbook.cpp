@@ -103,6 +103,8 @@ void Logbook::reset(OrganiserState& st, EditBoxes& boxes) const {
 }
 
 bool Logbook::save(OrganiserState& st, EditBoxes& boxes) const {
+    if (!m_ctx.itemFolderPresent("Logbook"))
+        return false;
     const QString dir = folder();
     const QByteArray stamp = boxes.stamp.isEmpty() ? stampNow() : boxes.stamp;
     QByteArray name = digitsFromStamp(stamp) + ".log";

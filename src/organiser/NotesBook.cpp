@@ -2,7 +2,6 @@
 
 #include "organiser/TextFile.h"
 
-
 namespace mirel {
 
 void NotesBook::load(OrganiserState& st) const {
@@ -40,6 +39,8 @@ void NotesBook::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
 }
 
 bool NotesBook::save(OrganiserState& st, EditBoxes& boxes) const {
+    if (!m_ctx.itemFolderPresent("Notes"))
+        return false;
     const QString dir = folder();
     const QByteArray title = boxes.title.isEmpty() ? QByteArray("New Note") : boxes.title;
     const QByteArray name = st.selection < 0 ? freeStampName(dir, m_ctx.clock.now(), ".not")

@@ -12,12 +12,20 @@ QString OrganiserContext::defaultItemFolder(const QByteArray& key) const {
 }
 
 QString OrganiserContext::itemFolder(const QByteArray& key) const {
-    if (ini.ReadIniKey("MIREL", key, directoriesIni())) {
-        const QString configured = QString::fromUtf8(ini.IniValue);
-        if (!configured.isEmpty() && QFileInfo(configured).isDir())
-            return configured;
-    }
+    if (ini.ReadIniKey("MIREL", key, directoriesIni()) && !ini.IniValue.isEmpty())
+        return QString::fromUtf8(ini.IniValue);
     return defaultItemFolder(key);
+}
+
+bool OrganiserContext::itemFolderPresent(const QByteArray& key) const {
+    const QString folder = itemFolder(key);
+    if (QFileInfo(folder).isDir())
+        return true;
+    reportFileError(QStringLiteral("The %1 folder \"%2\" named in \"directories.ini\" does not "
+                                   "exist. Nothing is saved until it exists or the file names "
+                                   "another folder.")
+                        .arg(QString::fromLatin1(key).toLower(), folder));
+    return false;
 }
 
 QByteArray OrganiserContext::stampNow() const {

@@ -21,10 +21,12 @@ struct OrganiserContext {
     std::function<void()> refreshOverview = [] {};
 
     /// The folder a key of section "MIREL" in "directories.ini" names
-    /// ("Notes", "Logbook", "Todo"), read anew at every call. A value that
-    /// names no folder here (a path written on Windows, say) falls back to
-    /// the default under the program folder; the file itself is left alone.
+    /// ("Notes", "Logbook", "Todo"), read anew at every call; the default
+    /// under the program folder only when the key is absent or empty. A
+    /// folder the user named is never swapped for another one.
     QString itemFolder(const QByteArray& key) const;
+    /// False, after telling the user, when that folder does not exist.
+    bool itemFolderPresent(const QByteArray& key) const;
     QString directoriesIni() const {
         return folders.path(QStringLiteral("\\mirel\\directories.ini"));
     }

@@ -3,6 +3,7 @@
 #include "organiser/DataFolders.h"
 #include "settings/CommaList.h"
 #include "skin/Placement.h"
+#include "ui/LayoutEngine.h"
 #include "ui/SkinHost.h"
 #include "ui/TextBridge.h"
 
@@ -36,6 +37,7 @@ void OrganiserScreen::placeMonthPicture() {
     QWidget* pic = m_sh.host.placed(PlacedPart::MonthPicture);
     pic->setGeometry(
         placeRect(f[0], f[1], f[2], f[3], m_sh.host.size(), StretchRule::BelowOne, true));
+    LayoutEngine::rememberPlacement(pic, "P,month," + m_sh.ctx.ini.IniValue);
     pic->hide();
 }
 

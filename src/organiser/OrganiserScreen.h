@@ -38,6 +38,8 @@ public:
         m_mailFolderChosen = std::move(chosen);
     }
     void modeClicked() { m_agenda.modeClicked(); }
+    /// A calendar day being typed in is saved before the screen or program changes.
+    void commitCalendar() { m_calendar.commitTyping(); }
     void priorityChosen(int priority) { m_agenda.priorityChosen(priority); }
 
     OrganiserShared& shared() { return m_sh; }

@@ -21,6 +21,8 @@ struct OrganiserShared {
     SortedList lstSorted2{true}; // the overview's open tasks
     /// Lays out the organiser's dialogs; none in tests without a window.
     const LayoutEngine* engine = nullptr;
+    /// Set by each save command: whether the editor's item reached its file.
+    bool saved = false;
 };
 
 } // namespace mirel

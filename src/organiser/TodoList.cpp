@@ -39,6 +39,8 @@ void TodoList::show(const OrganiserState& st, int i, EditBoxes& boxes) const {
 }
 
 bool TodoList::save(OrganiserState& st, EditBoxes& boxes) const {
+    if (!m_ctx.itemFolderPresent("Todo"))
+        return false;
     const QString dir = folder();
     QByteArray name, status;
     if (st.selection < 0) {

@@ -13,6 +13,12 @@ public:
     virtual void showMessage(const QString& text, const QString& title, Icon icon) = 0;
     /// True for Yes.
     virtual bool askYesNo(const QString& text, const QString& title) = 0;
+    enum class Answer { Yes, No, Cancel };
+    /// A question that may also be called off; without a dialog of its own
+    /// it is a Yes/No question.
+    virtual Answer askYesNoCancel(const QString& text, const QString& title) {
+        return askYesNo(text, title) ? Answer::Yes : Answer::No;
+    }
 };
 
 /// The title every message box of the system carries.

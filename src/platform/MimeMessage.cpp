@@ -72,6 +72,23 @@ bool parseMediaType(const QByteArray& contentType, MimeEntity& e) {
     return true;
 }
 
+QByteArray lowerTrimmed(const char* text) {
+    return QByteArray(text ? text : "").trimmed().toLower();
+}
+
+// GMime joins RFC 2231 continuations and decodes both RFC 2231 and RFC 2047
+// forms of a parameter into UTF-8.
+void readNaming(GMimeObject* obj, MimeEntity& e) {
+    e.charset = lowerTrimmed(g_mime_object_get_content_type_parameter(obj, "charset"));
+    QByteArray name = QByteArray(g_mime_object_get_content_type_parameter(obj, "name")).trimmed();
+    if (GMimeContentDisposition* d = g_mime_object_get_content_disposition(obj)) {
+        e.disposition = lowerTrimmed(g_mime_content_disposition_get_disposition(d));
+        if (name.isEmpty())
+            name = QByteArray(g_mime_content_disposition_get_parameter(d, "filename")).trimmed();
+    }
+    e.fileName = name;
+}
+
 MimeEntity build(GMimeObject* obj, int level, int depth, GMimeFormatOptions* format) {
     MimeEntity e;
     const QByteArray contentType = rawHeader(obj, "Content-Type");
@@ -90,6 +107,7 @@ MimeEntity build(GMimeObject* obj, int level, int depth, GMimeFormatOptions* for
     if (const qsizetype semi = contentType.indexOf(';'); semi >= 0)
         e.typeParameters = contentType.mid(semi + 1).trimmed();
     e.transferEncoding = rawHeader(obj, "Content-Transfer-Encoding");
+    readNaming(obj, e);
 
     if (GMIME_IS_MULTIPART(obj) && level < depth) {
         GMimeMultipart* mp = GMIME_MULTIPART(obj);

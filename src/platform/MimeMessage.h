@@ -26,6 +26,10 @@ struct MimeEntity {
     QByteArray typeParameters;   // the Content-Type text after the first ";"
     QByteArray rawBody;          // as transmitted, line breaks included
     std::vector<MimeEntity> parts;
+    /// Read from the headers for the reader's sake, never written back:
+    QByteArray disposition; // "attachment", "inline" (lower case) or empty
+    QByteArray fileName;    // Content-Type name, else Content-Disposition filename; UTF-8
+    QByteArray charset;     // the declared charset, lower case; empty when none
 
     /// The body decoded by its transfer encoding (any letter case); the raw
     /// body when it names none.

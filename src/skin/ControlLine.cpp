@@ -40,6 +40,8 @@ KindInfo classify(const QByteArray& kind) {
         return {ControlKind::MessageList, -1, -1};
     if (kind == "MO")
         return {ControlKind::MessageView, -1, -1};
+    if (kind == "MH")
+        return {ControlKind::MessageHeader, -1, -1};
     if (kind == "MA")
         return {ControlKind::AttachmentList, -1, -1};
     if (kind == "SP")

@@ -20,6 +20,7 @@ enum class ControlKind {
     List,           // L
     MessageList,    // ML
     MessageView,    // MO
+    MessageHeader,  // MH
     AttachmentList, // MA
     ModeButton,     // S0, S1
     CheckButton,    // S2..S8

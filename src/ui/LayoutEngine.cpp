@@ -17,6 +17,7 @@
 #include <QCheckBox>
 #include <QEventLoop>
 #include <QFile>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -68,17 +69,24 @@ void applyLook(QWidget* w, const ControlLine& line, int from, bool withFore, boo
     }
 }
 
-// Everything after the given number of commas: the rest of the line, so a
-// caption may itself contain commas.
-QByteArray restAfterCommas(const QByteArray& raw, int commas) {
-    qsizetype pos = -1;
-    for (int i = 0; i < commas; ++i) {
-        pos = raw.indexOf(',', pos + 1);
-        if (pos < 0)
-            return {};
+// Tab moves on from a multi-line box like from any other; Ctrl+Tab types a tab.
+class CtrlTabTypesTab : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress) {
+            const auto* key = static_cast<QKeyEvent*>(event);
+            if (key->key() == Qt::Key_Tab && key->modifiers() == Qt::ControlModifier) {
+                static_cast<QTextEdit*>(watched)->insertPlainText(QStringLiteral("\t"));
+                return true;
+            }
+        }
+        return false;
     }
-    return raw.mid(pos + 1);
-}
+};
+
+const char* const kPlacedByLine = "mirelPlacedByLine";
+const char* const kPlacedFromField = "mirelPlacedFromField";
 
 bool isAgendaLabel(const QByteArray& upper) {
     static const char* const kNames[] = {"DAY", "MONTH", "YEAR", "SHOUR", "SMIN", "EHOUR", "EMIN"};
@@ -157,7 +165,8 @@ void LayoutEngine::LayoutSection(SkinHost& host, const QByteArray& section,
 void LayoutEngine::ClearScreen(SkinHost& host) {
     for (PlacedPart part :
          {PlacedPart::MonthPicture, PlacedPart::HtmlFrame, PlacedPart::MessageBody,
-          PlacedPart::MessageList, PlacedPart::AttachmentList, PlacedPart::HtmlView})
+          PlacedPart::MessageList, PlacedPart::AttachmentList, PlacedPart::HtmlView,
+          PlacedPart::MessageHeader})
         if (QWidget* w = host.placedIfAny(part))
             w->hide();
     for (int i = 0; i < 2; ++i)
@@ -199,7 +208,29 @@ bool LayoutEngine::unloadControls(SkinHost& host, int keep) {
     return true;
 }
 
+void LayoutEngine::rememberPlacement(QWidget* w, const QByteArray& line, int firstField) {
+    w->setProperty(kPlacedByLine, line);
+    w->setProperty(kPlacedFromField, firstField);
+}
+
+void LayoutEngine::Relayout(SkinHost& host) {
+    const QSize size = host.size();
+    for (QWidget* w : host.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        const QVariant line = w->property(kPlacedByLine);
+        if (line.isValid())
+            w->setGeometry(placeControl(parseControlLine(line.toByteArray()), size,
+                                        w->property(kPlacedFromField).toInt()));
+    }
+}
+
 void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNumber) {
+    const int created = host.controlCount();
+    placeLine(host, line, keyNumber);
+    if (host.controlCount() > created)
+        rememberPlacement(host.control(host.controlCount()), line.raw);
+}
+
+void LayoutEngine::placeLine(SkinHost& host, const ControlLine& line, int keyNumber) {
     SkinState& state = host.state();
     SkinTables& t = state.tables;
     const QSize size = host.size();
@@ -224,6 +255,14 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
             if (!h->state().closing)
                 h->buttonClicked(index);
         });
+        // The agenda's date and time steppers run on while held down.
+        const QByteArray upper = entry.command.toUpper();
+        if ((upper.startsWith("MODE") || upper.startsWith("START") || upper.startsWith("END")) &&
+            (upper.endsWith("UP") || upper.endsWith("DOWN"))) {
+            b->setAutoRepeat(true);
+            b->setAutoRepeatDelay(400);
+            b->setAutoRepeatInterval(110);
+        }
         state.addButton(entry);
         state.assignRole(line.roleSlot, index);
         state.noteMailCommand(entry.command, index);
@@ -273,6 +312,8 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
         const int index = ++t.multiLines;
         auto* e = new QTextEdit(&host);
         e->setAcceptRichText(false);
+        e->setTabChangesFocus(true);
+        e->installEventFilter(new CtrlTabTypesTab(e));
         e->setObjectName(QStringLiteral("txtMulti%1").arg(index));
         e->setAccessibleName(QStringLiteral("txtMulti %1").arg(index));
         applyLook(e, line, 7, true, true);
@@ -286,7 +327,7 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
         auto* l = new QLabel(&host);
         // Labels show themes' captions and mail's status: never markup.
         l->setTextFormat(Qt::PlainText);
-        const QString caption = Cp1252::toUnicode(restAfterCommas(line.raw, 14));
+        const QString caption = Cp1252::toUnicode(line.field(15));
         l->setText(caption);
         l->setObjectName(QStringLiteral("lblBox%1").arg(index));
         l->setAccessibleName(caption.trimmed().isEmpty() ? QStringLiteral("lblBox %1").arg(index)
@@ -325,6 +366,7 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
             list->clear();
         applyLook(w, line, 7, true, true);
         w->setGeometry(rect);
+        rememberPlacement(w, line.raw);
         w->setEnabled(true);
         w->show();
         break;
@@ -335,15 +377,25 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
             QWidget* w = host.placed(part);
             applyLook(w, line, 7, true, true);
             w->setGeometry(rect);
+            rememberPlacement(w, line.raw);
             w->setEnabled(true);
             w->show();
             w->raise();
         }
         break;
+    case ControlKind::MessageHeader: {
+        QWidget* w = host.placed(PlacedPart::MessageHeader);
+        applyLook(w, line, 7, true, true);
+        w->setGeometry(rect);
+        rememberPlacement(w, line.raw);
+        w->show();
+        break;
+    }
     case ControlKind::AttachmentList: {
         QWidget* w = host.placed(PlacedPart::AttachmentList);
         applyLook(w, line, 7, true, true);
         w->setGeometry(rect);
+        rememberPlacement(w, line.raw);
         break;
     }
     case ControlKind::ModeButton:
@@ -355,6 +407,7 @@ void LayoutEngine::layoutLine(SkinHost& host, const ControlLine& line, int keyNu
         pal.setColor(QPalette::Window, host.palette().color(QPalette::Window));
         w->setPalette(pal);
         w->setGeometry(rect);
+        rememberPlacement(w, line.raw);
         w->show();
         w->raise();
         break;
@@ -394,6 +447,7 @@ void LayoutEngine::layoutSpecial(SkinHost& host, const ControlLine& line) {
         return;
     const QSize size = host.size();
     QWidget* w = host.special(key);
+    rememberPlacement(w, line.raw, key.startsWith("emailbut") ? 4 : 3);
     if (key.startsWith("emailbut")) {
         w->setGeometry(placeControl(line, size, 4));
         if (auto* b = qobject_cast<QPushButton*>(w)) {
@@ -405,6 +459,7 @@ void LayoutEngine::layoutSpecial(SkinHost& host, const ControlLine& line) {
     } else if (key == "emailhostdelete" || key == "emailhostauto") {
         const QRect r =
             placeRect(line.field(3), line.field(4), "1", "1", size, StretchRule::BelowOne, true);
+        w->setProperty(kPlacedByLine, {}); // sized by its text, not by the line
         w->move(r.topLeft());
         w->adjustSize();
     } else if (key.startsWith("emailtext")) {

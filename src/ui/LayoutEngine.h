@@ -11,6 +11,8 @@
 #include <QString>
 #include <functional>
 
+class QWidget;
+
 namespace mirel {
 
 class IniHelpers;
@@ -52,10 +54,17 @@ class LayoutEngine {
     /// One control line into host (no pause); exposed for the dialogs' fixed lines.
     void layoutLine(SkinHost& host, const ControlLine& line, int keyNumber);
 
+    /// Places every control of host again for its present size, by the
+    /// line it was laid out from; nothing is created or removed.
+    static void Relayout(SkinHost& host);
+    /// Notes the line a control was placed by, for Relayout.
+    static void rememberPlacement(QWidget* w, const QByteArray& line, int firstField = 3);
+
   private:
     /// Pauses AnimDelay ms with the window repainting; false if host went away.
     bool pause(SkinHost* host);
     void layoutSpecial(SkinHost& host, const ControlLine& line);
+    void placeLine(SkinHost& host, const ControlLine& line, int keyNumber);
 
     SkinContext m_ctx;
 };

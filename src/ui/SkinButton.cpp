@@ -2,13 +2,23 @@
 
 #include "skin/SkinState.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace mirel {
 
 SkinButton::SkinButton(int index, QWidget* parent) : QAbstractButton(parent), m_index(index) {
-    setFocusPolicy(Qt::NoFocus);
+    // Tab reaches it; a mouse click leaves the focus where the typing is.
+    setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
+}
+
+void SkinButton::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        animateClick();
+        return;
+    }
+    QAbstractButton::keyPressEvent(event);
 }
 
 void SkinButton::setPicture(const QString& path) {
@@ -42,6 +52,13 @@ void SkinButton::paintEvent(QPaintEvent*) {
     const QPixmap& pic = m_litShown && !m_lit.isNull() ? m_lit : m_normal;
     if (!pic.isNull())
         p.drawPixmap(rect(), pic);
+    if (hasFocus()) {
+        // Drawn over any picture: a light dashed frame inside a dark one.
+        p.setPen(QPen(Qt::black, 1));
+        p.drawRect(rect().adjusted(0, 0, -1, -1));
+        p.setPen(QPen(QColor(255, 255, 255, 220), 1, Qt::DashLine));
+        p.drawRect(rect().adjusted(1, 1, -2, -2));
+    }
 }
 
 } // namespace mirel

@@ -25,6 +25,7 @@ class SkinButton : public QAbstractButton {
 
   protected:
     void paintEvent(QPaintEvent*) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     int m_index;

@@ -13,6 +13,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
+#include <QKeyEvent>
+#include <QProcess>
+#include <QTextEdit>
 
 namespace mirel {
 
@@ -118,6 +121,21 @@ void SkinDialog::applyBox(QWidget* box, const QByteArray& value) const {
 void SkinDialog::startProgram(const QByteArray& command) const {
     if (m_run)
         m_run(command);
+}
+
+void SkinDialog::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // Enter in a multi-line box is a new line, not "OK".
+    const bool inText = qobject_cast<QTextEdit*>(focusWidget()) != nullptr;
+    const QByteArray command = event->key() == Qt::Key_Escape ? QByteArrayLiteral("QUIT")
+                               : enter && !inText             ? QByteArrayLiteral("OK")
+                                                              : QByteArray();
+    for (int i = 1; !command.isEmpty() && i <= state().buttonCount(); ++i)
+        if (state().button(i).command.toUpper() == command) {
+            buttonClicked(i);
+            return;
+        }
+    SkinHost::keyPressEvent(event);
 }
 
 void SkinDialog::closeEvent(QCloseEvent* event) {

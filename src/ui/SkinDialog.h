@@ -63,6 +63,8 @@ protected:
     void applyBox(QWidget* box, const QByteArray& value) const;
 
     void closeEvent(QCloseEvent* event) override;
+    /// Escape runs the dialog's "QUIT" button, Enter its "OK" button.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     std::unique_ptr<LayoutEngine> m_engine;

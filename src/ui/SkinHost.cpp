@@ -69,6 +69,17 @@ QWidget* makePlaceholder(PlacedPart part, QWidget* parent) {
         w = new QLabel(parent);
         name = QStringLiteral("picMonth");
         break;
+    case PlacedPart::MessageHeader: {
+        // Header values come from strangers: never read as markup.
+        auto* l = new QLabel(parent);
+        l->setTextFormat(Qt::PlainText);
+        l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        l->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        l->setMargin(4);
+        w = l;
+        name = QStringLiteral("lblHeaders");
+        break;
+    }
     }
     w->setObjectName(name);
     w->setAccessibleName(name);

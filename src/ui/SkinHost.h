@@ -35,7 +35,8 @@ enum class PlacedPart {
     HtmlView,
     HtmlFrame,
     AttachmentList,
-    MonthPicture
+    MonthPicture,
+    MessageHeader
 };
 
 /// The kinds of control the layout engine creates (and clearing removes).

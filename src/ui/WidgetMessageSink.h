@@ -12,6 +12,7 @@ class WidgetMessageSink final : public MessageSink {
     void setParent(QWidget* parent) { m_parent = parent; }
     void showMessage(const QString& text, const QString& title, Icon icon) override;
     bool askYesNo(const QString& text, const QString& title) override;
+    Answer askYesNoCancel(const QString& text, const QString& title) override;
 
   private:
     QWidget* m_parent;

@@ -135,4 +135,14 @@ TEST(BundledTheme, CopiedOnceIntoAnEmptyThemeFolder) {
     EXPECT_FALSE(BundledTheme::installIfMissing(folders, source));
     EXPECT_EQ(test::readAll(dir.file("prog/themes/Default/Terminal.skn")),
               "[DEFAULT]\r\nSound=1\r\n");
+
+    // Fault: a theme folder the user named (empty: the data root itself) was
+    // filled too, and the preview picture landed beside the data root.
+    for (const char* themeDir : {"", "\\", "\\mine\\"}) {
+        Folders own{dir.file("own"), QString::fromLatin1(themeDir)};
+        QDir().mkpath(own.ProgramDir);
+        EXPECT_FALSE(BundledTheme::installIfMissing(own, source)) << themeDir;
+        EXPECT_TRUE(QDir(own.ProgramDir).isEmpty()) << themeDir;
+        EXPECT_FALSE(QFileInfo::exists(dir.file("own.bmp"))) << themeDir;
+    }
 }

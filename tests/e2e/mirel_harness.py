@@ -82,16 +82,17 @@ def build_theme(target):
 class Session:
     """One program folder, one settings store, one running program."""
 
-    def __init__(self, display, extra_env=None, theme=True):
+    def __init__(self, display, extra_env=None, theme=True, theme_dir="Test"):
         self.tmp = tempfile.mkdtemp(prefix="mirel-e2e-")
         self.config = os.path.join(self.tmp, "config")
         self.program_dir = os.path.join(self.tmp, "prog")
         os.makedirs(os.path.join(self.config, "TORVEX Terminal"))
         os.makedirs(self.program_dir)
         if theme:
-            build_theme(os.path.join(self.program_dir, "themes", "Test"))
+            build_theme(os.path.join(self.program_dir, "themes", theme_dir))
         with open(self.store_file(), "w") as f:
-            f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\Test\\\r\n" % self.program_dir)
+            f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\%s\\\r\n"
+                    % (self.program_dir, theme_dir))
         self.env = dict(os.environ)
         self.env.update({
             "DISPLAY": display,

@@ -38,11 +38,11 @@ class Organiser(ScreenReaderCase):
 
     def test_note_log_task_and_contact(self):
         s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                     "QT_ACCESSIBILITY": "1"}, theme=False)
+                                     "QT_ACCESSIBILITY": "1"}, theme=False, theme_dir="Default")
         self.addCleanup(s.close)
         s.start()
         data = os.path.join(s.program_dir, "Mirel")
-        theme = os.path.join(s.program_dir, "themes", "Test", "terminal.skn")
+        theme = os.path.join(s.program_dir, "themes", "Default", "terminal.skn")
         self.assertTrue(os.path.exists(theme), "the bundled theme was copied in")
 
         self.screen("NOTES", "NOTEADD")

@@ -1,5 +1,6 @@
 #include "OrganiserFixture.h"
 
+#include "organiser/NotesBook.h"
 #include "organiser/TextFile.h"
 #include "platform/IniDocument.h"
 #include "settings/TripletCodec.h"
@@ -32,8 +33,15 @@ TEST_F(DataFoldersTest, PresentKeyIsNeverChanged) {
     DataFolders(ctx).bootstrap();
     const QByteArray after = readAll(data("directories.ini"));
     EXPECT_TRUE(after.startsWith("[MIREL]\r\nNotes=/elsewhere\r\n"));
-    // A folder that does not exist here (say a Windows path) falls back.
-    EXPECT_EQ(ctx.itemFolder("Notes"), folders.ProgramDir + "/Mirel/Notes");
+    // Fault: a named folder that does not exist (say a Windows path) was
+    // swapped for the default one, so notes went where nobody chose.
+    EXPECT_EQ(ctx.itemFolder("Notes"), "/elsewhere");
+    OrganiserState st;
+    EditBoxes boxes{.title = "kept", .body = "text"};
+    EXPECT_FALSE(NotesBook(ctx).save(st, boxes));
+    ASSERT_EQ(sink.shown.size(), 1u);
+    EXPECT_TRUE(sink.shown[0].text.contains("/elsewhere"));
+    EXPECT_TRUE(QDir(data("Notes")).isEmpty());
 }
 
 TEST_F(DataFoldersTest, ConvertsEveryKindOfTheOldStoreOnce) {

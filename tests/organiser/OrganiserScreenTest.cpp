@@ -9,7 +9,9 @@
 #include "platform/SettingsStore.h"
 #include "ui/SkinButton.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QTextEdit>
@@ -21,8 +23,8 @@ namespace {
 
 QByteArray skin() {
     QByteArray s = "[DEFAULT]\r\nBackGround=0,0,0\r\n";
-    const char* screens[] = {"NOTES", "TODO"};
-    for (int i = 0; i < 2; ++i)
+    const char* screens[] = {"NOTES", "TODO", "CALENDAR"};
+    for (int i = 0; i < 3; ++i)
         s += "0" + QByteArray::number(i + 1) + "=B,b.bmp,0," + QByteArray::number(i * 20) +
              ",50,20,,,False," + screens[i] + "\r\n";
     s += "[OVERVIEW]\r\ntextA=\"Calendar \"\r\ntextB=\"Tasks \"\r\ntextC=\"Agenda \"\r\n"
@@ -37,7 +39,13 @@ QByteArray skin() {
          "02=M,text,300,30,200,200,0,0,0,255,255,255,Sans,9\r\n"
          "03=B,b.bmp,60,400,50,20,,,False,TODOADD\r\n"
          "04=B,b.bmp,120,400,50,20,,,False,TODOSAVE\r\n"
-         "05=BD,b.bmp,180,400,50,20,,,False,TODODONE\r\n";
+         "05=BD,b.bmp,180,400,50,20,,,False,TODODONE\r\n"
+         "06=B,b.bmp,240,400,50,20,,,False,TODODELETE\r\n";
+    // A list between the first two day boxes: tab must still go day to day.
+    s += "[Calendar]\r\n01=T,d1,300,30,40,20,0,0,0,255,255,255,Sans,9\r\n"
+         "02=L,list,60,0,200,300,0,0,0,255,255,255,Sans,9\r\n"
+         "03=T,d2,350,30,40,20,0,0,0,255,255,255,Sans,9\r\n"
+         "04=B,b.bmp,60,400,50,20,,,False,MONTHMAR\r\n";
     return s;
 }
 
@@ -126,6 +134,63 @@ TEST(OrganiserScreen, TaskDoneButton) {
     EXPECT_EQ(test::readAll(m.file("Todo/20061116164512.tod")),
               QByteArray("1\r\nbuy milk\r\n\r\n"));
     EXPECT_EQ(m.rows(m.w->generalList()), QStringList{"DONE  buy milk"});
+}
+
+// Faults: the button of the screen already shown refilled it, so the next
+// save wrote a second item; Ctrl+S did nothing; Tab stayed in the text; a
+// delete answered No hid the done button.
+TEST(OrganiserScreen, ShownScreenButtonKeysAndRefusedDelete) {
+    Main m;
+    m.click("TODO");
+    m.click("TODOADD");
+    m.w->multiLine(1)->setPlainText("buy milk");
+    m.click("TODOSAVE");
+    m.clickRow(0);
+    m.w->multiLine(1)->setPlainText("buy oat milk");
+    m.click("TODO");
+    QKeyEvent ctrlS(QEvent::KeyPress, Qt::Key_S, Qt::ControlModifier);
+    QApplication::sendEvent(m.w->multiLine(1), &ctrlS);
+    EXPECT_EQ(QDir(m.file("Todo")).entryList(QDir::Files), QStringList{"20061116164512.tod"});
+    EXPECT_EQ(test::readAll(m.file("Todo/20061116164512.tod")), "0\r\nbuy oat milk\r\n");
+    EXPECT_TRUE(m.w->multiLine(1)->tabChangesFocus());
+    m.clickRow(0);
+    m.sink.answer = false;
+    m.click("TODODELETE");
+    EXPECT_FALSE(m.w->button(m.w->state().tables.doneButton)->isHidden());
+}
+
+// Faults: tab followed the order the skin made the controls in, not the
+// days; a day typed in was lost when the month changed under it.
+TEST(OrganiserScreen, CalendarDayBoxesTabInDayOrderAndKeepWhatIsTyped) {
+    Main m;
+    m.click("CALENDAR");
+    ASSERT_NE(m.w->textBox(2), nullptr);
+    EXPECT_EQ(m.w->textBox(1)->nextInFocusChain(), m.w->textBox(2));
+
+    m.w->textBox(2)->setText("dentist");
+    m.click("MONTHMAR");
+    EXPECT_TRUE(test::readAll(m.file("calendar.ini")).contains("1102=100101110"));
+    EXPECT_TRUE(m.w->textBox(2)->text().isEmpty());
+}
+
+// Fault: leaving an editor with typed text dropped it without a word.
+TEST(OrganiserScreen, LeavingAnEditorAsksToSaveWhatWasTyped) {
+    using A = MessageSink::Answer;
+    const std::tuple<A, const char*, qsizetype> rows[] = {
+        {A::Cancel, "Notes", 0}, {A::No, "Todo", 0}, {A::Yes, "Todo", 1}};
+    for (const auto& [answer, screenAfter, notes] : rows) {
+        Main m;
+        m.sink.threeWay = answer;
+        m.click("NOTES");
+        m.click("TODO");
+        m.click("NOTES");
+        EXPECT_TRUE(m.sink.asked.empty()) << "nothing typed, nothing asked";
+        m.w->multiLine(1)->setPlainText("typed");
+        m.click("TODO");
+        EXPECT_EQ(m.sink.asked.size(), 1u);
+        EXPECT_EQ(m.w->state().currentScreen, screenAfter);
+        EXPECT_EQ(QDir(m.file("Notes")).entryList(QDir::Files).size(), notes);
+    }
 }
 
 } // namespace

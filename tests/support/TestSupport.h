@@ -39,9 +39,14 @@ public:
         asked.push_back({text, title, Icon::Question});
         return answer;
     }
+    Answer askYesNoCancel(const QString& text, const QString& title) override {
+        asked.push_back({text, title, Icon::Question});
+        return threeWay;
+    }
     std::vector<Shown> shown;
     std::vector<Shown> asked;
     bool answer = true;
+    Answer threeWay = Answer::Cancel;
 };
 
 /// Starts tests/support/helper with the given arguments.

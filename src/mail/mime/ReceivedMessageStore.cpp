@@ -1,5 +1,7 @@
 #include "mail/mime/ReceivedMessageStore.h"
 
+#include "mail/mime/MailDisplayText.h"
+#include "mail/store/BodyCharsets.h"
 #include "mail/store/DuplicateDetector.h"
 #include "mail/store/MailStore.h"
 
@@ -69,6 +71,7 @@ ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail
 
     m_text.clear();
     m_html.clear();
+    m_charsets = {};
     m_attachments.clear();
     const MimeEntity& root = mail.root();
     if (!root.parts.empty()) {
@@ -85,6 +88,8 @@ ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail
     }
     row.text = std::move(m_text);
     row.html = std::move(m_html);
+    row.textCharset = m_charsets.text;
+    row.htmlCharset = m_charsets.html;
 
     if (m_writer && m_writer->folder() != folder) {
         commit();
@@ -103,19 +108,39 @@ ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail
     return Result::Stored;
 }
 
+QByteArray ReceivedMessageStore::attachmentFilename(const MimeEntity& part) {
+    // Readers take the name from the first quoted text; a name that is not
+    // written there plainly (encoded, or only in the disposition) is put
+    // in front in that form.
+    const QByteArray& params = part.typeParameters;
+    QByteArray name = MailDisplayText::decodeHeader(part.fileName).toUtf8().trimmed();
+    name.replace('"', '\'');
+    const qsizetype open = params.indexOf('"');
+    const qsizetype close = open < 0 ? -1 : params.indexOf('"', open + 1);
+    if (name.isEmpty() || (close > open && params.mid(open + 1, close - open - 1) == name))
+        return params;
+    return "name=\"" + name + '"' + (params.isEmpty() ? QByteArray() : "; " + params);
+}
+
 void ReceivedMessageStore::StoreMessagePart(const MimeEntity& part) {
     QByteArray content = isEncoded(part.transferEncoding) ? part.decodedBody() : part.rawBody;
-    if (part.type == "text" && part.subtype == "plain") {
-        if (m_text.isEmpty())
+    // A named or attached text part is a file the sender sent, not the body.
+    const bool body = part.disposition != "attachment" && part.fileName.isEmpty();
+    if (body && part.type == "text" && part.subtype == "plain") {
+        if (m_text.isEmpty()) {
             m_text = std::move(content);
+            m_charsets.text = part.charset;
+        }
         return;
     }
-    if (part.type == "text" && part.subtype == "html") {
-        if (m_html.isEmpty())
+    if (body && part.type == "text" && part.subtype == "html") {
+        if (m_html.isEmpty()) {
             m_html = std::move(content);
+            m_charsets.html = part.charset;
+        }
         return;
     }
-    m_attachments.push_back({part.typeParameters, std::move(content)});
+    m_attachments.push_back({attachmentFilename(part), std::move(content)});
 }
 
 } // namespace mirel

@@ -13,12 +13,17 @@
 // - A part is decoded only when its Content-Transfer-Encoding is written
 //   exactly "quoted-printable", "base64", "mac-binhex40" or "x-uuencode";
 //   any other spelling, letter case included, keeps the body as transmitted.
-// - A second text/plain (or text/html) part is dropped, not stored.
+// - A second text/plain (or text/html) part is dropped, not stored; a text
+//   part that is an attachment or has a file name is an attachment.
+// - An attachment's stored parameter text starts with its decoded name as
+//   name="..." when it is not written so already.
 // - A container below the second level is not opened; it is stored as one
 //   attachment with its content as transmitted.
 // - Subject, From and To are cut to 255 characters, then trimmed of blanks;
 //   Date is kept as delivered. Bytes are stored as received: no character
-//   set is applied anywhere.
+//   set is applied anywhere; the charsets the body parts declare are kept
+//   beside them for the reader.
+#include "mail/store/BodyCharsets.h"
 #include "mail/store/MailRows.h"
 #include "mail/store/MailStore.h"
 #include "platform/MimeMessage.h"
@@ -58,6 +63,8 @@ public:
     static bool isEncoded(QByteArrayView transferEncoding);
     /// Cut to the index field's size, then trimmed of blanks.
     static QByteArray indexText(QByteArrayView value);
+    /// The parameter text an attachment is stored with.
+    static QByteArray attachmentFilename(const MimeEntity& part);
 
 private:
     void StoreMessagePart(const MimeEntity& part);
@@ -69,6 +76,7 @@ private:
     // Working state of the message being stored.
     QByteArray m_text;
     QByteArray m_html;
+    BodyCharsets m_charsets;
     std::vector<AttachmentRow> m_attachments;
     qint32 m_lastId = 0;
 };

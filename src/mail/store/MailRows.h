@@ -31,6 +31,9 @@ struct NewIndexFields {
 struct MessageRow {
     qint32 id = 0;
     QByteArray text, html, headers;
+    /// What the bodies' own parts declared (received mail only); kept
+    /// beside the row, not in it.
+    QByteArray textCharset, htmlCharset;
 };
 
 /// One attachment as stored: the Content-Type parameter text and the bytes.

@@ -1,4 +1,6 @@
 #include "mail/store/MailStore.h"
+
+#include "mail/store/BodyCharsets.h"
 #include "platform/PrivateFiles.h"
 
 #include "platform/Cp1252.h"
@@ -282,6 +284,7 @@ std::optional<qint32> MailStore::Writer::add(const NewIndexFields& fields, const
             SqliteDb::bindBytesOrNull(body, 3, bodies.html);
             SqliteDb::bindBytesOrNull(body, 4, bodies.headers);
             body.exec();
+            BodyCharsets::write(d, id, {bodies.textCharset, bodies.htmlCharset});
             file = m_store.databasePath(m_folder, kAttachmentsFile);
             SQLite::Statement att(
                 d, R"(INSERT INTO att."Attachments" ("ID", "Filename", "Data") VALUES (?, ?, ?))");

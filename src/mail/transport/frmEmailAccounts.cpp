@@ -7,6 +7,7 @@
 #include "settings/IniHelpers.h"
 #include "ui/LayoutEngine.h"
 #include "ui/SoundPlayer.h"
+#include "ui/WindowLook.h"
 
 #include <QCheckBox>
 #include <QInputDialog>
@@ -34,10 +35,13 @@ frmEmailAccounts::frmEmailAccounts(const LayoutEngine& engine, EmailAccountList&
     : SkinDialog(engine, kSection, QStringLiteral("E-mail accounts"), parent), m_accounts(accounts),
       m_file(file), m_messages(messages), m_manager(accounts) {
     m_prompt = [this](const QString& prompt, const QString& title, const QString& preset) {
-        bool ok = false;
-        const QString name =
-            QInputDialog::getText(this, title, prompt, QLineEdit::Normal, preset, &ok);
-        return ok ? Cp1252::fromUnicode(name) : QByteArray();
+        QInputDialog ask(this);
+        WindowLook::apply(&ask);
+        ask.setWindowTitle(title);
+        ask.setLabelText(prompt);
+        ask.setTextValue(preset);
+        return ask.exec() == QDialog::Accepted ? Cp1252::fromUnicode(ask.textValue())
+                                               : QByteArray();
     };
 
     // The ML line places the account list; a plain list serves it here.

@@ -2,6 +2,7 @@
 
 #include "mail/mime/MailDisplayText.h"
 #include "mail/store/MailStore.h"
+#include "mail/view/MessageHeaderText.h"
 #include "mail/view/MessageListLine.h"
 #include "platform/Cp1252.h"
 #include "ui/SkinHost.h"
@@ -204,6 +205,13 @@ void EmailScreen::ClearMessageView() {
     m_text->hide();
     setMessageButtonsVisible(false);
     showBlankPage();
+    showHeaders({});
+}
+
+void EmailScreen::showHeaders(const QString& text) {
+    // Only where the theme placed a header panel.
+    if (auto* panel = qobject_cast<QLabel*>(m_host.placedIfAny(PlacedPart::MessageHeader)))
+        panel->setText(text);
 }
 
 void EmailScreen::MessageListClick() {
@@ -230,11 +238,12 @@ void EmailScreen::ShowMessage(QByteArrayView folder, qint32 id) {
     m_text->setTextColor(m_list->palette().color(QPalette::Text));
     m_text->clear();
     if (!m.text.isEmpty())
-        m_text->setPlainText(lines(MailDisplayText::decodeBody(m.text, m.charset)));
+        m_text->setPlainText(lines(MailDisplayText::decodeBody(m.text, m.textCharset)));
 
     // What is on disk is the page byte for byte; the screen reads it in the
     // charset the message declares.
     m_browser->setHtml(MailDisplayText::decodeBody(m.page, m.charset));
+    showHeaders(messageHeaderText(m.headers));
 
     m_attachments->clear();
     const QIcon icon = m_host.style()->standardIcon(QStyle::SP_FileIcon);

@@ -71,6 +71,7 @@ private:
     void rowColours(QTreeWidgetItem* item, bool read) const;
     void setMessageButtonsVisible(bool visible);
     void showBlankPage();
+    void showHeaders(const QString& text);
     void linkClicked(const QUrl& url);
 
     SkinHost& m_host;

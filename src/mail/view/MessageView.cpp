@@ -1,6 +1,7 @@
 #include "mail/view/MessageView.h"
 
 #include "platform/PrivateFiles.h"
+#include "mail/store/BodyCharsets.h"
 #include "mail/store/MailStore.h"
 #include "mail/view/MessagePage.h"
 
@@ -50,6 +51,11 @@ const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
     // The charset is read before the page is built: building drops the
     // HTML's own head, where a meta tag declares it.
     m.charset = MessagePage::displayCharset(m.page, m.headers);
+    // What the shown body's own part declared beats a guess from the top.
+    const BodyCharsets declared = BodyCharsets::read(m_store, folder, id);
+    if (const QByteArray& own = m.page.isEmpty() ? declared.text : declared.html; !own.isEmpty())
+        m.charset = own;
+    m.textCharset = declared.text.isEmpty() ? m.charset : declared.text;
     m.page = MessagePage::build(m.text, m.page);
 
     const NewFileGuard fresh(pagePath()); // the message's text

@@ -33,6 +33,7 @@ struct ShownMessage {
     QList<QByteArray> attachmentNames;
     /// What the page's and the text's bytes are read in on screen.
     QByteArray charset;
+    QByteArray textCharset;
 };
 
 /// ShowMessage, ShowMessageSource and the current folder and row.

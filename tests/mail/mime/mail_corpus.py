@@ -13,11 +13,14 @@ exactly as one of the four names. Sizes and sha256 are of the bytes.
 """
 import binascii
 import email
+import email.header
 import email.policy
+import email.utils
 import hashlib
 import json
 import os
 import random
+import re
 import sys
 from email.message import Message
 from email.mime.application import MIMEApplication
@@ -50,6 +53,23 @@ def index_text(b):
 def params_of(part):
     v = raw_value(part, "Content-Type")
     return v.split(b";", 1)[1].strip() if b";" in v else b""
+
+
+def stored_name(part):
+    """The parameter text an attachment is stored with: its decoded name in
+    front as name="..." unless the first quoted text already is that name."""
+    params = params_of(part)
+    name = part.get_param("name") or part.get_param("filename", header="content-disposition")
+    if isinstance(name, tuple):
+        name = email.utils.collapse_rfc2231_value(name)
+    if not name:
+        return params
+    name = str(email.header.make_header(email.header.decode_header(name))).strip()
+    raw = name.encode("utf-8", "surrogateescape").replace(b'"', b"'")
+    quoted = re.search(rb'"([^"]*)"', params)
+    if not raw or (quoted and quoted.group(1) == raw):
+        return params
+    return b'name="' + raw + b'"' + (b"; " + params if params else b"")
 
 
 def content_of(part):
@@ -85,6 +105,8 @@ def summarize(path):
         nonlocal text, html
         content = content_of(part)
         kind = (part.get_content_maintype(), part.get_content_subtype())
+        if part.get_content_disposition() == "attachment" or part.get_filename():
+            kind = ("file",) + kind  # a named or attached text part is a file
         if kind == ("text", "plain"):
             if not text:
                 text = content if content is not None else b""
@@ -93,7 +115,7 @@ def summarize(path):
             if not html:
                 html = content if content is not None else b""
             return
-        entry = {"filename": params_of(part).decode("latin-1"), "type": "/".join(kind)}
+        entry = {"filename": stored_name(part).decode("latin-1"), "type": "/".join(kind[-2:])}
         if isinstance(content, tuple):
             entry["sha256"] = content[1]
         elif content is not None:

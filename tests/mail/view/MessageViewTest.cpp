@@ -3,6 +3,7 @@
 // received mail is.
 #include "mail/view/MessageView.h"
 #include "TestSupport.h"
+#include "mail/mime/MailDisplayText.h"
 #include "mail/mime/ReceivedMessageStore.h"
 #include "mail/store/DuplicateDetector.h"
 #include "mail/store/MailStore.h"
@@ -172,6 +173,21 @@ TEST(MessageView, OutsideLinks) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(MessageView::outsideLink(QUrl(c.link)).toString(), c.handed) << c.link;
+}
+
+// Faults: a UTF-8 multipart body read as Windows-1252 ("CafÃ©"); a named
+// text part dropped; a name given only by the disposition, or encoded, not
+// shown; a TAB of a folded Subject shifting the list's columns.
+TEST_F(MessageViewTest, PartsReadInTheirOwnCharsetAndNamedPartsAreFiles) {
+    const qint32 id = receive(readAll(testData("mail/utf8-named-parts.eml")));
+    const ShownMessage& m = view.ShowMessage("0", id);
+    EXPECT_TRUE(
+        MailDisplayText::decodeBody(m.page, m.charset).contains(QString::fromUtf8("Café €5")));
+    EXPECT_EQ(MailDisplayText::decodeBody(m.text, m.textCharset).trimmed(),
+              QString::fromUtf8("Café €5"));
+    EXPECT_EQ(m.attachmentNames, (QList<QByteArray>{"itinerary.txt", "€ rate.pdf", "Grüße.txt"}));
+    EXPECT_TRUE(store.readAttachments("0", id)[0].filename.startsWith("name=\"itinerary.txt\"; "));
+    EXPECT_EQ(store.FillMessageIndexList("0")[0].listLine().count('\t'), 6);
 }
 
 } // namespace
