@@ -218,8 +218,7 @@ TEST(EmailScreen, HostileMessagesReadNoFileAndShowNamesAsText) {
     // test fails rather than hangs.
     std::thread writer([&] { close(open(fifo.constData(), O_WRONLY)); });
 
-    IniHelpers ini(m.sink, m.store);
-    DuplicateDetector duplicates(ini, m.w->mailStore()->incomingRecordPath());
+    DuplicateDetector duplicates(m.w->mailStore()->incomingRecordPath());
     ReceivedMessageStore received(*m.w->mailStore(), duplicates);
     const QDir corpus(test::testData("mail/hostile"));
     for (const QString& name : corpus.entryList(QDir::Files))
