@@ -33,7 +33,7 @@ class AddressExchange(ScreenReaderCase):
 
     def test_import_then_export(self):
         s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                     "QT_ACCESSIBILITY": "1"}, theme=False)
+                                     "QT_ACCESSIBILITY": "1"}, theme=False, theme_dir="Default")
         self.addCleanup(s.close)
         s.start()
         source = os.path.join(s.tmp, "contacts.csv")
