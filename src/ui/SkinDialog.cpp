@@ -14,6 +14,7 @@
 #include <QScreen>
 #include <QWidget>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QTextEdit>
 
@@ -141,6 +142,20 @@ void SkinDialog::keyPressEvent(QKeyEvent* event) {
 void SkinDialog::closeEvent(QCloseEvent* event) {
     finish();
     event->accept();
+}
+
+void SkinDialog::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        m_dragFrom = event->position().toPoint();
+    SkinHost::mousePressEvent(event);
+}
+
+void SkinDialog::mouseMoveEvent(QMouseEvent* event) {
+    if (m_dragFrom && (event->buttons() & Qt::LeftButton))
+        move(event->globalPosition().toPoint() - *m_dragFrom);
+    else
+        m_dragFrom.reset();
+    SkinHost::mouseMoveEvent(event);
 }
 
 } // namespace mirel

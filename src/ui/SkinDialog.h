@@ -11,6 +11,7 @@
 #include <QImage>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QEventLoop;
 
@@ -65,6 +66,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     /// Escape runs the dialog's "QUIT" button, Enter its "OK" button.
     void keyPressEvent(QKeyEvent* event) override;
+    /// Without a frame, the background itself is the handle to move it by.
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
     std::unique_ptr<LayoutEngine> m_engine;
@@ -75,6 +79,7 @@ private:
     std::function<void(const QByteArray&)> m_run;
     QEventLoop* m_loop = nullptr;
     bool m_finished = false;
+    std::optional<QPoint> m_dragFrom;
 };
 
 } // namespace mirel

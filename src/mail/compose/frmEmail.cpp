@@ -622,19 +622,5 @@ void frmEmail::keyPressEvent(QKeyEvent* event) {
     SkinHost::keyPressEvent(event);
 }
 
-void frmEmail::mousePressEvent(QMouseEvent* event) {
-    // Without a frame, the background itself is the handle to move it by.
-    if (event->button() == Qt::LeftButton)
-        m_dragFrom = event->position().toPoint();
-    SkinHost::mousePressEvent(event);
-}
-
-void frmEmail::mouseMoveEvent(QMouseEvent* event) {
-    if (m_dragFrom && (event->buttons() & Qt::LeftButton))
-        move(event->globalPosition().toPoint() - *m_dragFrom);
-    else
-        m_dragFrom.reset();
-    SkinHost::mouseMoveEvent(event);
-}
 
 } // namespace mirel

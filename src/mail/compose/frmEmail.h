@@ -89,8 +89,6 @@ public:
 protected:
     void onShown() override;
     void keyPressEvent(QKeyEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
     void setUpControls(const ComposePresets& presets, const EmailAccountList& accounts);
@@ -125,7 +123,6 @@ private:
     QTimer m_timer1;
     QByteArray m_presetSubject;
     QRect m_placement;
-    std::optional<QPoint> m_dragFrom;
     bool m_sent = false;
     std::function<QString()> m_filePrompt;
     std::function<std::optional<QColor>()> m_colourPrompt;

@@ -57,19 +57,5 @@ void FolderListDialog::keyPressEvent(QKeyEvent* event) {
     SkinHost::keyPressEvent(event);
 }
 
-void FolderListDialog::mousePressEvent(QMouseEvent* event) {
-    // Without a frame, the background itself is the handle to move it by.
-    if (event->button() == Qt::LeftButton)
-        m_dragFrom = event->position().toPoint();
-    SkinHost::mousePressEvent(event);
-}
-
-void FolderListDialog::mouseMoveEvent(QMouseEvent* event) {
-    if (m_dragFrom && (event->buttons() & Qt::LeftButton))
-        move(event->globalPosition().toPoint() - *m_dragFrom);
-    else
-        m_dragFrom.reset();
-    SkinHost::mouseMoveEvent(event);
-}
 
 } // namespace mirel

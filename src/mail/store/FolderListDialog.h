@@ -38,14 +38,11 @@ protected:
     QByteArray selectedRow() const;
 
     void keyPressEvent(QKeyEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
     QListWidget* m_list;
     QByteArray m_escape;
     // Where the pointer took hold of the background, while it is dragged.
-    std::optional<QPoint> m_dragFrom;
 };
 
 } // namespace mirel

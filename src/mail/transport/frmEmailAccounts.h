@@ -62,8 +62,6 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
     enum TextBox { Name, Email, User, Pass, Pop3, Smtp, TextBoxCount };
@@ -88,7 +86,6 @@ private:
     bool m_loading = false;
     bool m_saved = false;
     // Where the pointer took hold of the background, while it is dragged.
-    std::optional<QPoint> m_dragFrom;
     NamePrompt m_prompt;
 };
 
