@@ -11,12 +11,12 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QGuiApplication>
-#include <QScreen>
-#include <QWidget>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QProcess>
+#include <QScreen>
 #include <QTextEdit>
+#include <QWidget>
 
 namespace mirel {
 

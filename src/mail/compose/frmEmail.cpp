@@ -622,5 +622,4 @@ void frmEmail::keyPressEvent(QKeyEvent* event) {
     SkinHost::keyPressEvent(event);
 }
 
-
 } // namespace mirel
