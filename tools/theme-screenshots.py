@@ -132,7 +132,7 @@ def write_account(prog):
 def click(display, x, y):
     """A real pointer click, as the whole-program tests make it."""
     sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
-    from test_sendreceive import click as test_click
+    from mirel_harness import click as test_click
     test_click(display, x, y)
 
 

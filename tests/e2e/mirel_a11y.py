@@ -93,31 +93,9 @@ class ScreenReaderCase(unittest.TestCase):
 
 
 def pointer_click(display, node, clicks=1):
-    """Real pointer clicks (two make a double click) at the middle of an
-    accessible node, through the X test extension: for the controls whose
-    reaction a screen reader's actions do not reach (a chooser's pop-up, a
-    double click)."""
-    import ctypes
+    """Real pointer clicks at the middle of an accessible node."""
     import pyatspi
+    from mirel_harness import click
     box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-    x11 = ctypes.CDLL("libX11.so.6")
-    xtst = ctypes.CDLL("libXtst.so.6")
-    x11.XOpenDisplay.restype = ctypes.c_void_p
-    x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
-    xtst.XTestFakeMotionEvent.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int,
-                                          ctypes.c_int, ctypes.c_ulong]
-    xtst.XTestFakeButtonEvent.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int,
-                                          ctypes.c_ulong]
-    x11.XFlush.argtypes = [ctypes.c_void_p]
-    x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
-    dpy = x11.XOpenDisplay(display.encode())
-    xtst.XTestFakeMotionEvent(dpy, -1, box.x + box.width // 2, box.y + box.height // 2, 0)
-    x11.XFlush(dpy)
-    time.sleep(0.3)
-    for _ in range(clicks):
-        xtst.XTestFakeButtonEvent(dpy, 1, 1, 0)
-        xtst.XTestFakeButtonEvent(dpy, 1, 0, 0)
-        x11.XFlush(dpy)
-        time.sleep(0.05)
-    x11.XCloseDisplay(dpy)
+    click(display, box.x + box.width // 2, box.y + box.height // 2, clicks)
     time.sleep(0.5)

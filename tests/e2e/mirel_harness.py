@@ -50,6 +50,33 @@ class Xvfb:
                 self.proc.wait()
 
 
+def click(display, x, y, clicks=1):
+    """Real pointer clicks (two make a double click) at x, y of the display,
+    through the X test extension: for what a screen reader's actions do not
+    reach (a chooser's pop-up, a double click, a window without a name)."""
+    import ctypes
+    x11 = ctypes.CDLL("libX11.so.6")
+    xtst = ctypes.CDLL("libXtst.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
+    xtst.XTestFakeMotionEvent.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int,
+                                          ctypes.c_int, ctypes.c_ulong]
+    xtst.XTestFakeButtonEvent.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int,
+                                          ctypes.c_ulong]
+    x11.XFlush.argtypes = [ctypes.c_void_p]
+    x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+    dpy = x11.XOpenDisplay(display.encode())
+    xtst.XTestFakeMotionEvent(dpy, -1, x, y, 0)
+    x11.XFlush(dpy)
+    time.sleep(0.3)
+    for _ in range(clicks):
+        xtst.XTestFakeButtonEvent(dpy, 1, 1, 0)
+        xtst.XTestFakeButtonEvent(dpy, 1, 0, 0)
+        x11.XFlush(dpy)
+        time.sleep(0.05)
+    x11.XCloseDisplay(dpy)
+
+
 def _picture(path, text, colour, size="120x38"):
     subprocess.run(["convert", "-size", size, "xc:" + colour, "-fill", "white",
                     "-font", "DejaVu-Sans", "-pointsize", "14", "-gravity", "center",

@@ -4,7 +4,6 @@ written here with the standard library, an independent peer), stores the
 mail in folder "0", deletes it from the server, and leaves the window open
 with its status lines for a screenshot."""
 
-import ctypes
 import os
 import shutil
 import socket
@@ -16,7 +15,7 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from mirel_harness import SOURCE_DIR, Session, Xvfb  # noqa: E402
+from mirel_harness import SOURCE_DIR, Session, Xvfb, click  # noqa: E402
 
 PASSWORD = "s3cret-pop"
 
@@ -91,28 +90,6 @@ class Pop3Handler(socketserver.StreamRequestHandler):
 class Pop3Server(socketserver.ThreadingTCPServer):
     daemon_threads = True
     allow_reuse_address = True
-
-
-def click(display, x, y):
-    """A real pointer click through the X test extension."""
-    x11 = ctypes.CDLL("libX11.so.6")
-    xtst = ctypes.CDLL("libXtst.so.6")
-    x11.XOpenDisplay.restype = ctypes.c_void_p
-    x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
-    xtst.XTestFakeMotionEvent.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int,
-                                          ctypes.c_int, ctypes.c_ulong]
-    xtst.XTestFakeButtonEvent.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int,
-                                          ctypes.c_ulong]
-    x11.XFlush.argtypes = [ctypes.c_void_p]
-    x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
-    dpy = x11.XOpenDisplay(display.encode())
-    xtst.XTestFakeMotionEvent(dpy, -1, x, y, 0)
-    x11.XFlush(dpy)
-    time.sleep(0.3)
-    xtst.XTestFakeButtonEvent(dpy, 1, 1, 0)
-    xtst.XTestFakeButtonEvent(dpy, 1, 0, 0)
-    x11.XFlush(dpy)
-    x11.XCloseDisplay(dpy)
 
 
 def triplets(text):
