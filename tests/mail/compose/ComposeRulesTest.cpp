@@ -1,3 +1,4 @@
+#include "MailStoreFixture.h"
 #include "TestSupport.h"
 #include "mail/compose/AddressPicker.h"
 #include "mail/compose/ComposePresets.h"
@@ -105,20 +106,7 @@ TEST(AddressPickerTest, RowsAndResult) {
     EXPECT_EQ(AddressPicker::appendTo("b@y", ""), "b@y");
 }
 
-class ComposeStoreTest : public ::testing::Test {
-protected:
-    TempDir dir;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 30, 5))};
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    MailStore store{dir.file("prog"), clock, sink};
-
-    void SetUp() override {
-        QDir().mkpath(dir.file("prog"));
-        store.MailStoreStartup(ini);
-    }
-};
+using ComposeStoreTest = MailStoreFixture;
 
 // Catches: a stranger's attachment name leaving the scratch folder, a name
 // lost on the way, bytes changed, files left after a forward.

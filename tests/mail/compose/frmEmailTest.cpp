@@ -1,4 +1,5 @@
 #include "mail/compose/frmEmail.h"
+#include "MailStoreFixture.h"
 #include "TestSupport.h"
 #include "mail/compose/frmEmailHtml.h"
 #include "mail/store/MailStore.h"
@@ -22,23 +23,17 @@ using namespace mirel::test;
 
 namespace {
 
-class frmEmailTest : public ::testing::Test {
+class frmEmailTest : public MailStoreFixture {
 protected:
-    TempDir dir;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 30, 5))};
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
     Folders folders{dir.file("prog"), QStringLiteral("\\theme\\")};
     LayoutEngine engine{SkinContext{folders, ini, nullptr, false, 0}};
-    MailStore store{dir.file("prog"), clock, sink};
     EmailAccountList accounts{{"* Home|p|u|pw|0|0|s|me@x.org|Me Myself|"}};
     ComposePresets presets;
 
     void SetUp() override {
+        MailStoreFixture::SetUp();
         QDir().mkpath(dir.file("prog/theme"));
         writeAll(dir.file("prog/theme/terminal.skn"), "[DEFAULT]\r\nSound=0\r\n");
-        store.MailStoreStartup(ini);
     }
     std::unique_ptr<frmEmail> open() {
         auto w = std::make_unique<frmEmail>(engine, accounts, presets, store, sink);

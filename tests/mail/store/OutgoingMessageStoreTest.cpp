@@ -1,4 +1,5 @@
 #include "mail/store/OutgoingMessageStore.h"
+#include "MailStoreFixture.h"
 #include "TestSupport.h"
 #include "mail/store/MailStore.h"
 #include "platform/SettingsStore.h"
@@ -14,20 +15,13 @@ using namespace mirel::test;
 
 namespace {
 
-class OutgoingMessageStoreTest : public ::testing::Test {
+class OutgoingMessageStoreTest : public MailStoreFixture {
 protected:
-    TempDir dir;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 30, 5))};
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    MailStore store{dir.file("prog"), clock, sink};
     OutgoingMessageStore outgoing{store};
 
     void SetUp() override {
-        QDir().mkpath(dir.file("prog"));
+        MailStoreFixture::SetUp();
         QDir().mkpath(dir.file("files/sub folder"));
-        store.MailStoreStartup(ini);
     }
 
     // Whether the outbox index row left a field unwritten (NULL), read
