@@ -54,8 +54,11 @@ run: deps
 	$(MAKE) build
 	./$(BUILD)/mirel
 
+# Each program prints its figures beside their floors; the lines with a bound
+# are gathered at the end so one look shows which paths hold.
 bench: build
-	@for b in $(BUILD)/bench/*Bench; do echo "== $$b"; $$b || exit 1; done
+	@for b in $(BUILD)/bench/*Bench; do echo "== $$b"; $$b || exit 1; done | tee $(BUILD)/bench.log
+	@echo; echo "== summary: measured vs floor, bound"; grep ' bound ' $(BUILD)/bench.log || true
 
 fuzz:
 	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DMIREL_LIBFUZZER=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo

@@ -54,6 +54,6 @@ void BM_HTML2Text(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * kSize);
 }
 BENCHMARK(BM_HTML2Text)->Unit(benchmark::kMicrosecond);
-MIREL_FLOOR(BM_HTML2Text, BM_CopyFloor);
+MIREL_BOUND(BM_HTML2Text, BM_CopyFloor, 20);
 
 } // namespace

@@ -133,5 +133,5 @@ BENCHMARK(BM_PlainWidgetsFloor)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-MIREL_FLOOR(BM_LayoutBusyScreen, BM_PlainWidgetsFloor);
+MIREL_BOUND(BM_LayoutBusyScreen, BM_PlainWidgetsFloor, 3);
 MIREL_FLOOR(BM_ReadSectionLines, BM_PlainWidgetsFloor);

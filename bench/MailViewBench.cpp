@@ -106,7 +106,7 @@ void BM_FillMessageList(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_FillMessageList)->Unit(benchmark::kMillisecond);
-MIREL_FLOOR(BM_FillMessageList, BM_IndexScanFloor);
+MIREL_BOUND(BM_FillMessageList, BM_IndexScanFloor, 2);
 
 void BM_ReadMessageRowFloor(benchmark::State& state) {
     World& w = world();
@@ -122,6 +122,6 @@ void BM_OpenMessage(benchmark::State& state) {
         benchmark::DoNotOptimize(view.ShowMessage("0", w.htmlMessage).page.size());
 }
 BENCHMARK(BM_OpenMessage)->Unit(benchmark::kMicrosecond);
-MIREL_FLOOR(BM_OpenMessage, BM_ReadMessageRowFloor);
+MIREL_BOUND(BM_OpenMessage, BM_ReadMessageRowFloor, 3);
 
 } // namespace

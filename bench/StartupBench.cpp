@@ -135,4 +135,4 @@ void BM_BareWindowFloor(benchmark::State& state) {
 
 BENCHMARK(BM_MirelStartToReady)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 BENCHMARK(BM_BareWindowFloor)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
-MIREL_FLOOR(BM_MirelStartToReady, BM_BareWindowFloor);
+MIREL_BOUND(BM_MirelStartToReady, BM_BareWindowFloor, 1.5);
