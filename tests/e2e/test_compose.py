@@ -80,8 +80,12 @@ class Compose(ScreenReaderCase):
         self.addCleanup(servers.close)
         book = os.path.join(s.program_dir, "Mirel", "Addressbook")
         os.makedirs(book)
-        with open(os.path.join(book, "marta"), "w", newline="\r\n") as f:
-            f.write("Marta L\n" + "\n" * 13 + "marta@example.org\n")
+        for name, address in (("Marta L", "marta@example.org"), ("Jonas W", "jonas@example.net")):
+            with open(os.path.join(book, address), "w", newline="\r\n") as f:
+                f.write(name + "\n" * 14 + address + "\n")
+        notes = os.path.join(s.tmp, "notes.bin")
+        with open(notes, "wb") as f:
+            f.write(PDF[::-1])
 
         s.start()
         s.send("EMAIL")
@@ -89,13 +93,20 @@ class Compose(ScreenReaderCase):
         send_receive(self)
         self.open_message()
 
-        # A new message: To from the picker, bold text from the toolbar.
+        # A new message: To from the picker, bold text from the toolbar, a
+        # file added through the file dialog.
         self.compose("EMAILNEW", "compose-new")
         self.press("EMAILTO")
-        picker = self.find("lstAddressbook", shown=True)
-        picker.queryTable().addRowSelection(0)
+        picker = self.find("lstAddressbook", shown=True).queryTable()
+        picker.addRowSelection(0)
+        picker.addRowSelection(1)
         self.in_window("Address book", "OK").queryAction().doAction(0)
-        self.set_text("txtCC", "jonas@example.net")
+        self.set_text("txtCC", "cc@example.net")
+        self.find("cmdBut16", shown=True).queryAction().doAction(0)
+        dialog = self.find("Add attachment", "dialog", shown=True)
+        next(n for n in walk(dialog) if n.getRoleName() == "text" and n.name.startswith("File name")) \
+            .queryEditableText().setTextContents(notes)
+        self.in_window("Add attachment", "Open").queryAction().doAction(0)
         self.set_text("txtBCC", "hidden@example.net")
         self.set_text("txtSubject", "Grüße")
         self.set_text("DHTMLEdit1", "Hello there")
@@ -110,10 +121,14 @@ class Compose(ScreenReaderCase):
         send_receive(self)
 
         (to_new, new), (to_reply, reply), (to_fwd, fwd) = servers.received(3)
-        self.assertEqual(to_new, ["marta@example.org", "jonas@example.net", "hidden@example.net"])
+        self.assertEqual(to_new, ["jonas@example.net", "marta@example.org", "cc@example.net",
+                                  "hidden@example.net"])
         self.assertEqual((new["From"], new["To"], new["Cc"], new["Bcc"], new["Subject"]),
-                         ("Ann Example <ann@example.org>", "Marta L <marta@example.org>",
-                          "jonas@example.net", None, "Grüße"))
+                         ("Ann Example <ann@example.org>",
+                          "Jonas W <jonas@example.net>, Marta L <marta@example.org>",
+                          "cc@example.net", None, "Grüße"))
+        self.assertEqual([(a.get_filename(), a.get_content()) for a in new.iter_attachments()],
+                         [("notes.bin", PDF[::-1])])
         self.assertRegex(new["Date"], r"^\w{3}, \d{1,2} \w{3} \d{4} \d\d:\d\d:\d\d [+-]\d{4}$")
         self.assertIn("Hello there", new.get_body(("plain",)).get_content())
         self.assertRegex(new.get_body(("html",)).get_content(), r"(?i)Hello <b>there</b>")

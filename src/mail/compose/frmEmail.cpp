@@ -280,11 +280,15 @@ void frmEmail::setUpToolbar() {
         b->setIcon(icon);
         b->setCheckable(true);
         // Toggled, not clicked: a screen reader's action on a latching
-        // button toggles it without a click. The latch then follows the text.
-        connect(b, &QPushButton::toggled, this, [this, i] {
-            toolbar(i);
-            updateToolbar();
-        });
+        // button toggles it without a click. Queued, so that action returns
+        // before a tool's own dialog opens. The latch then follows the text.
+        connect(
+            b, &QPushButton::toggled, this,
+            [this, i] {
+                toolbar(i);
+                updateToolbar();
+            },
+            Qt::QueuedConnection);
     }
     connect(m_edit, &QTextEdit::cursorPositionChanged, this, [this] { updateToolbar(); });
     connect(m_edit, &QTextEdit::currentCharFormatChanged, this, [this] { updateToolbar(); });
