@@ -238,7 +238,6 @@ class MailServers:
 
     def __init__(self, session, messages):
         import socket
-        import sys
         helper = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
         self.pop = subprocess.Popen([helper, "dovecot", "ann", "s3cret", *messages],
                                     stdin=subprocess.PIPE, stdout=subprocess.PIPE)
@@ -249,7 +248,7 @@ class MailServers:
             free.bind(("127.0.0.1", 0))
             smtp = free.getsockname()[1]
         self.smtp = subprocess.Popen(
-            [sys.executable, os.path.join(SOURCE_DIR, "tests", "support", "servers", "smtp_sink.py"),
+            ["/usr/bin/python3", os.path.join(SOURCE_DIR, "tests/support/servers/smtp_sink.py"),
              "--port", str(smtp), "--folder", self.folder],
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         ready = self.smtp.stdout.readline()
