@@ -56,8 +56,10 @@ class MailFolders(ScreenReaderCase):
         if not os.path.exists(path):
             return None
         db = sqlite3.connect(path)
-        try:
+        try:  # the file appears a moment before its table
             return db.execute('SELECT COUNT(*) FROM "Index"').fetchone()[0]
+        except sqlite3.OperationalError:
+            return None
         finally:
             db.close()
 
