@@ -1,4 +1,4 @@
-#include "ReceivedMailFixture.h"
+#include "MailStoreFixture.h"
 
 #include <QElapsedTimer>
 
