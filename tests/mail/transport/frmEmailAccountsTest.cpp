@@ -92,33 +92,37 @@ protected:
             out << w.MLmessages()->item(i)->text();
         return out;
     }
+    // What the fields show, in the order of the account record.
+    static QString shown(const frmEmailAccounts& w) {
+        return QStringList{w.txtPOP3()->text(),
+                           w.txtUser()->text(),
+                           w.txtPass()->text(),
+                           w.CheckHostDelete()->isChecked() ? "1" : "0",
+                           w.CheckAutorize()->isChecked() ? "1" : "0",
+                           w.txtSmtp()->text(),
+                           w.txtEmail()->text(),
+                           w.txtName()->text()}
+            .join('|');
+    }
 };
 
+// Catches a field shown from the wrong record position, a password shown in
+// the clear, rows rewritten by merely selecting them, and an edit stored into
+// another entry or in a short form.
 TEST_F(frmEmailAccountsTest, OpensOnTheDefaultAccountAndEditsTheSelectedOne) {
     accounts = EmailAccountList({kHome, kWork, kFresh});
     auto w = open();
 
     EXPECT_EQ(rows(*w), QStringList({"  Home", "* Work", "  Fresh"}));
     EXPECT_EQ(w->MLmessages()->currentRow(), 1);
-    EXPECT_EQ(w->txtPOP3()->text(), "pop.w:995");
-    EXPECT_EQ(w->txtUser()->text(), "wu");
-    EXPECT_EQ(w->txtPass()->text(), "wp");
+    EXPECT_EQ(shown(*w), "pop.w:995|wu|wp|1|0|smtp.w|w@x.org|Work Me");
     EXPECT_EQ(w->txtPass()->echoMode(), QLineEdit::Password);
-    EXPECT_EQ(w->txtSmtp()->text(), "smtp.w");
-    EXPECT_EQ(w->txtEmail()->text(), "w@x.org");
-    EXPECT_EQ(w->txtName()->text(), "Work Me");
-    EXPECT_TRUE(w->CheckHostDelete()->isChecked());
-    EXPECT_FALSE(w->CheckAutorize()->isChecked());
-
-    // Moving between rows only shows them: no entry is rewritten.
     w->MLmessages()->setCurrentRow(2);
-    EXPECT_EQ(w->txtPOP3()->text(), "");
-    EXPECT_FALSE(w->CheckHostDelete()->isChecked());
+    EXPECT_EQ(shown(*w), "|||0|0|||");
     w->MLmessages()->setCurrentRow(0);
-    EXPECT_TRUE(w->CheckAutorize()->isChecked());
+    EXPECT_EQ(shown(*w), "pop.h|hu|hp|0|1|smtp.h|h@x.org|Home Me");
     EXPECT_EQ(accounts, EmailAccountList({kHome, kWork, kFresh}));
 
-    // Each change rebuilds the selected entry at once, in full form.
     w->MLmessages()->setCurrentRow(2);
     w->txtEmail()->setText(QString::fromUtf8("f\u00e9@x.org"));
     EXPECT_EQ(accounts.at(2), "  Fresh||||0|0||f\xe9@x.org||");
@@ -128,10 +132,10 @@ TEST_F(frmEmailAccountsTest, OpensOnTheDefaultAccountAndEditsTheSelectedOne) {
     EXPECT_EQ(accounts.at(0), kHome);
 }
 
+// Catches a cancelled prompt that still adds an account, a first account
+// left without the default mark, and a new row not selected for editing.
 TEST_F(frmEmailAccountsTest, NewAccountsTheFirstBecomesTheDefault) {
     auto w = open();
-    EXPECT_EQ(w->MLmessages()->count(), 0);
-    EXPECT_EQ(w->MLmessages()->currentRow(), -1);
 
     answers = {"Alpha", "", "Beta"};
     click(*w, "EMAILACCOUNTNEW");
@@ -147,6 +151,9 @@ TEST_F(frmEmailAccountsTest, NewAccountsTheFirstBecomesTheDefault) {
     EXPECT_EQ(accounts.at(1), "  Beta||||0|0|||Bea|");
 }
 
+// Catches a delete without asking or despite "No", the default mark passed
+// on to a neighbour, commands acting on no selection, and a theme's own
+// command not started.
 TEST_F(frmEmailAccountsTest, DefaultAndDeleteWorkOnTheSelectedRow) {
     accounts = EmailAccountList({kHome, kWork, kFresh});
     auto w = open();
@@ -154,21 +161,17 @@ TEST_F(frmEmailAccountsTest, DefaultAndDeleteWorkOnTheSelectedRow) {
     w->MLmessages()->setCurrentRow(2);
     click(*w, "EMAILACCOUNTDEFAULT");
     EXPECT_EQ(rows(*w), QStringList({"  Home", "  Work", "* Fresh"}));
-    EXPECT_EQ(accounts.defaultIndex(), 2);
-    EXPECT_EQ(accounts.at(1).mid(2), kWork.mid(2));
 
     sink.answer = false;
     click(*w, "EMAILACCOUNTDELETE");
-    ASSERT_EQ(sink.asked.size(), 1u);
-    EXPECT_EQ(sink.asked[0].text, "Are you sure to delete this Account?");
+    EXPECT_EQ(sink.asked.at(0).text, "Are you sure to delete this Account?");
     EXPECT_EQ(accounts.size(), 3);
 
     sink.answer = true;
     click(*w, "EMAILACCOUNTDELETE");
     EXPECT_EQ(rows(*w), QStringList({"  Home", "  Work"}));
     EXPECT_EQ(accounts.defaultIndex(), -1); // nobody inherits the mark
-    EXPECT_EQ(w->MLmessages()->currentRow(), -1);
-    EXPECT_EQ(w->txtName()->text(), "");
+    EXPECT_EQ(shown(*w), "|||0|0|||");
 
     // With nothing selected, delete does not ask, default marks nobody and
     // typing is stored nowhere.
@@ -182,7 +185,7 @@ TEST_F(frmEmailAccountsTest, DefaultAndDeleteWorkOnTheSelectedRow) {
     EXPECT_EQ(started, QList<QByteArray>{"other-tool --flag"});
 }
 
-// The file format itself is the accounts file's own test; here only who saves.
+// Catches Escape saving the edits, or OK closing without saving them.
 TEST_F(frmEmailAccountsTest, OkWritesTheFileAndClosesEscapeDoesNot) {
     file.SaveAccounts(EmailAccountList({kHome, kWork, kFresh, "  Old||||||||"}));
     accounts = file.LoadAccounts();
@@ -214,8 +217,8 @@ TEST_F(frmEmailAccountsTest, OkWritesTheFileAndClosesEscapeDoesNot) {
 
 namespace {
 
-// The main window opens the manager for EMAILACCOUNTS and takes the saved
-// list back as its own.
+// Catches the main window keeping its old account list after OK (a session
+// would run with the accounts the user just changed or deleted).
 TEST(frmEmailAccountsFromMain, OkReloadsTheMainWindowsList) {
     TempDir dir;
     RecordingMessageSink sink;
