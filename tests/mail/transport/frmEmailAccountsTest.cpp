@@ -25,22 +25,7 @@ using namespace mirel::test;
 namespace {
 
 // The section as a theme writes it; the SMTP box is left out on purpose.
-const QByteArray kTerminal = "[DEFAULT]\r\nSound=0\r\n"
-                             "[EMAILACCOUNTS]\r\n"
-                             "MaskColor=255,0,255\r\n"
-                             "01=ML,accounts,20,56,210,298,20,23,32,216,221,232,Sans,10\r\n"
-                             "02=B,n.png,20,366,96,30,,,0,EMAILACCOUNTNEW\r\n"
-                             "03=B,d.png,124,366,96,30,,,0,EMAILACCOUNTDELETE\r\n"
-                             "04=B,f.png,20,404,96,30,,,0,EMAILACCOUNTDEFAULT\r\n"
-                             "05=B,o.png,544,414,96,30,,,0,ok\r\n"
-                             "06=B,x.png,544,380,96,30,,,0,other-tool --flag\r\n"
-                             "07=SP,emailtextname,362,56,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "08=SP,emailtextemail,362,94,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "09=SP,emailtextpop3,362,132,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "10=SP,emailtextuser,362,170,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "11=SP,emailtextpass,362,208,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "12=SP,emailhostdelete,250,290\r\n"
-                             "13=SP,emailhostauto,250,320\r\n";
+const QByteArray kTerminal = readAll(testData("mail/skins/emailaccounts-terminal.skn"));
 
 const QByteArray kHome = "  Home|pop.h|hu|hp|0|1|smtp.h|h@x.org|Home Me|";
 const QByteArray kWork = "* Work|pop.w:995|wu|wp|1|0|smtp.w|w@x.org|Work Me|";

@@ -35,17 +35,7 @@ using namespace mirel;
 
 namespace {
 
-const QByteArray kSkin =
-    "[DEFAULT]\r\nBackGround=0,0,0\r\n"
-    "01=B,b.bmp,0,0,50,20,,,False,EMAIL\r\n"
-    "[OVERVIEW]\r\n01=L,overview,60,0,300,300,0,0,0,255,255,255,Sans,9\r\n"
-    "[EMAIL]\r\ndefin=Inbox\r\ndefout=Outbox\r\ndefsnd=Sent\r\ndefdel=Deleted\r\n"
-    "01=B,b.bmp,60,0,50,20,,,False,EMAILREPLY\r\n"
-    "02=B,b.bmp,120,0,50,20,,,False,EMAILSOURCE\r\n"
-    "03=B,b.bmp,180,0,50,20,,,False,EMAILNEW\r\n"
-    "04=ML,messages,60,30,830,200,10,10,10,200,200,200,Sans,9\r\n"
-    "05=MO,view,60,240,830,300,0,0,0,255,255,255,Sans,9\r\n"
-    "06=MA,attachments,60,550,830,80,10,10,10,200,200,200,Sans,9\r\n";
+const QByteArray kSkin = test::readAll(test::testData("mail/skins/email-screen.skn"));
 
 struct Main {
     test::TempDir dir;
