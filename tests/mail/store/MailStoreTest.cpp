@@ -95,24 +95,9 @@ TEST_F(MailStoreTest, ExistingDataFileIsNotRepaired) {
     EXPECT_GT(QFileInfo(store.databasePath("2", "data.mdb")).size(), 0);
 }
 
-TEST_F(MailStoreTest, EveryByteValuePassesUnchanged) {
-    QByteArray all;
-    for (int i = 0; i < 256; ++i)
-        all.append(char(i));
-    MessageRow bodies{0, all, "<p>\x93quoted\x94</p>", "X-A: 1\r\n"};
-    const qint32 id = add("0", QByteArray("Subj\xe9\0ct", 7),
-                          {{"name=\"a\xff.bin\"", all}, {"x", all + all}}, bodies);
-    const MessageRow m = *store.readMessageRow("0", id);
-    EXPECT_EQ(m.text, all);
-    EXPECT_EQ(m.html, bodies.html);
-    const auto atts = store.readAttachments("0", id);
-    ASSERT_EQ(atts.size(), 2u);
-    EXPECT_EQ(atts[0].filename, QByteArray("name=\"a\xff.bin\""));
-    EXPECT_EQ(atts[0].data, all);
-    EXPECT_EQ(atts[1].data, all + all);
-    EXPECT_EQ(store.readIndexRow("0", id)->subject, QByteArray("Subj\xe9\0ct", 7));
-    EXPECT_EQ(store.readIndexRow("0", id)->attachments, 2);
-}
+// Every byte value through bodies and attachments is the corpus test's
+// (attachments of all 256 values, compared by digest) and the broken-mail
+// test's (a NUL in the body).
 
 TEST_F(MailStoreTest, EmptyBodiesStayUnassigned) {
     const qint32 id = add("0", "empty", {{"name=\"e\"", {}}});
