@@ -3,15 +3,12 @@
 // real server will not produce on demand.
 #include "mail/transport/SendReceiveRunner.h"
 
-#include "TestSupport.h"
-#include "mail/store/MailStore.h"
-#include "platform/SettingsStore.h"
+#include "MailStoreFixture.h"
 #include "servers/DovecotServer.h"
 #include "servers/LoopbackPort.h"
 #include "servers/ScriptedServer.h"
 #include "servers/SmtpSinkServer.h"
 #include "settings/DebugLog.h"
-#include "settings/IniHelpers.h"
 
 #include "platform/IniDocument.h"
 #include "platform/IniFile.h"
@@ -71,21 +68,15 @@ struct Outcome {
     QByteArray text() const { return lines.join('\n'); }
 };
 
-class SendReceiveRunnerTest : public ::testing::Test {
+class SendReceiveRunnerTest : public MailStoreFixture {
 protected:
-    TempDir dir;
-    SystemClock clock;
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    MailStore store{dir.path(), clock, sink};
     DebugLog debugLog{clock, dir.path(), true};
     DovecotServer pop;
     SmtpSinkServer smtp;
 
     void SetUp() override {
         ensureCoreApp();
-        store.MailStoreStartup(ini);
+        MailStoreFixture::SetUp();
     }
 
     const SendReceiveTexts texts{
