@@ -1,17 +1,29 @@
 #pragma once
-// A mail store in a fresh program folder with its fixed folders made, a
-// settings store and a recording sink: the ground the outgoing-mail tests
-// stand on.
+// The ground the mail tests stand on: a mail store in a fresh program folder
+// with its fixed folders made, a settings store and a recording sink; and for
+// received mail, the duplicate record and a way to store one raw message and
+// read back every row it produced.
 #include "TestSupport.h"
+#include "mail/mime/ReceivedMessageStore.h"
+#include "mail/store/DuplicateDetector.h"
 #include "mail/store/MailStore.h"
 #include "platform/Clock.h"
 #include "platform/SettingsStore.h"
 #include "settings/IniHelpers.h"
 
 #include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <gtest/gtest.h>
 
 namespace mirel::test {
+
+/// A table of cases kept in tests/data: a JSON object whose rows are arrays;
+/// strings stand for bytes, one character each (\u00e9 is the byte E9).
+inline QJsonObject jsonTestData(const QString& relative) {
+    return QJsonDocument::fromJson(readAll(testData(relative))).object();
+}
 
 class MailStoreFixture : public ::testing::Test {
 protected:
@@ -20,11 +32,38 @@ protected:
     RecordingMessageSink sink;
     SettingsStore settings{dir.file("config")};
     IniHelpers ini{sink, settings};
-    MailStore store{dir.file("prog"), clock, sink};
+    MailStore store{root(), clock, sink};
 
     void SetUp() override {
-        QDir().mkpath(dir.file("prog"));
+        QDir().mkpath(root());
         store.MailStoreStartup(ini);
+    }
+    /// A path inside the program folder.
+    QString root(const QString& relative = {}) const { return dir.file("prog/" + relative); }
+};
+
+class ReceivedMailFixture : public MailStoreFixture {
+protected:
+    DuplicateDetector duplicates{store.incomingRecordPath()};
+    ReceivedMessageStore received{store, duplicates};
+
+    /// An empty record: every message is new again.
+    void forgetReceived() {
+        QFile::remove(store.incomingRecordPath());
+        duplicates = DuplicateDetector(store.incomingRecordPath());
+    }
+
+    struct Rows {
+        IndexRow index;
+        MessageRow message;
+        std::vector<AttachmentRow> attachments;
+    };
+    Rows storeMail(const QByteArray& raw) {
+        EXPECT_EQ(received.store(raw, "0"), ReceivedMessageStore::Result::Stored);
+        const qint32 id = received.lastId();
+        return {store.readIndexRow("0", id).value_or(IndexRow{}),
+                store.readMessageRow("0", id).value_or(MessageRow{}),
+                store.readAttachments("0", id)};
     }
 };
 

@@ -108,8 +108,9 @@ TEST(AddressPickerTest, RowsAndResult) {
 
 using ComposeStoreTest = MailStoreFixture;
 
-// Catches: a stranger's attachment name leaving the scratch folder, a name
-// lost on the way, bytes changed, files left after a forward.
+// Names and bytes of an ordinary forward, and the scratch folder emptied,
+// are the whole-program compose test's. Catches: a stranger's attachment
+// name leaving the scratch folder, or a name without name="..." lost.
 TEST_F(ComposeStoreTest, ForwardWritesPlainNamesInsideTheScratchFolder) {
     const qint32 id = *store.createMessage("0", {}, {}, {});
     const QByteArray binary("\x00\x01\xFF\r\n", 5);
@@ -120,21 +121,17 @@ TEST_F(ComposeStoreTest, ForwardWritesPlainNamesInsideTheScratchFolder) {
     const auto list = ForwardAttachments::PrepareForwardAttachments(store, "0", id, temp);
     ASSERT_TRUE(list);
     ASSERT_EQ(list->size(), 3);
-    EXPECT_EQ(ComposeRules::forwardEntry(list->at(0)).second, "a.pdf");
-    EXPECT_EQ(readAll(temp + "/a.pdf"), binary);
     EXPECT_EQ(ComposeRules::forwardEntry(list->at(1)),
               std::make_pair(temp + "/plain.txt", QStringLiteral("plain.txt")));
     EXPECT_EQ(ComposeRules::forwardEntry(list->at(2)).first, temp + "/att3.att");
-    EXPECT_FALSE(QFile::exists(dir.file("evil.sh")));
-    ForwardAttachments::emptyFolder(temp);
-    EXPECT_TRUE(QDir(temp).isEmpty());
+    EXPECT_FALSE(QFile::exists(root("evil.sh")) || QFile::exists(dir.file("evil.sh")));
 
     store.addAttachment("0", id, {"name=\"empty\"", ""});
     EXPECT_FALSE(ForwardAttachments::PrepareForwardAttachments(store, "0", id, temp));
 }
 
 // Catches: a To list cut at the index field's size, an attachment sent as
-// name="x", bare LF line ends reaching SMTP.
+// name="x", bare LF line ends reaching SMTP, the To line sent twice.
 TEST_F(ComposeStoreTest, OutboxKeepsEveryRecipientAndPlainNames) {
     QByteArray to;
     for (int i = 0; i < 30; ++i)

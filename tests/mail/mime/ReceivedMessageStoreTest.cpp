@@ -1,4 +1,4 @@
-#include "ReceivedMailFixture.h"
+#include "MailStoreFixture.h"
 
 #include <QElapsedTimer>
 
@@ -71,6 +71,10 @@ TEST_F(ReceivedMessageStoreTest, WalkKeepsFirstBodiesAndStoresTheRestAsAttachmen
     EXPECT_TRUE(sink.shown.empty());
 }
 
+// Index texts of ordinary mail are compared with Python's reading in the
+// corpus test. Catches: the subject trimmed before it is cut, trailing
+// blanks of the date lost, the time stored taken from the message, folded
+// lines kept folded, Content-* lines moved, and an 8-bit body recoded.
 TEST_F(ReceivedMessageStoreTest, IndexFieldsAndHeaderLinesAreKeptAsReceived) {
     const QByteArray raw = "Received: from relay\r\n\tby mx; Sun, 22 Nov 2026\r\n"
                            "Content-Type: text/plain; charset=\"windows-1252\"\r\n"
@@ -86,10 +90,7 @@ TEST_F(ReceivedMessageStoreTest, IndexFieldsAndHeaderLinesAreKeptAsReceived) {
                            "quoted\x94\r\n";
     const Rows r = storeMail(raw);
     EXPECT_EQ(r.index.subject, QByteArray(254, 'x')); // cut to 255, then trimmed
-    EXPECT_EQ(r.index.from, QByteArray("\"D\xe9sir\xe9"
-                                       "e\" <d@example.org>"));
     EXPECT_EQ(r.index.date, QByteArray("Sun, 22 Nov 2026 10:00:00 +0100  "));
-    EXPECT_EQ(r.index.to, QByteArray());
     EXPECT_EQ(r.index.realDate, clock.now());
     EXPECT_EQ(r.message.text, QByteArray("Body in cp1252: \x93"
                                          "quoted\x94\r\n"));
@@ -103,6 +104,8 @@ TEST_F(ReceivedMessageStoreTest, IndexFieldsAndHeaderLinesAreKeptAsReceived) {
     EXPECT_TRUE(r.message.headers.endsWith("\r\n"));
 }
 
+// Catches a message stored twice when fetched again, and mail without an ID
+// keyed on its opening only.
 TEST_F(ReceivedMessageStoreTest, TheSameMessageFetchedTwiceIsStoredOnce) {
     const QByteArray raw = kHead + "Message-ID: <twice@example.org>\r\n\r\nHello\r\n";
     EXPECT_TRUE(received.StoreReceivedMessage(raw, "0"));
@@ -114,6 +117,8 @@ TEST_F(ReceivedMessageStoreTest, TheSameMessageFetchedTwiceIsStoredOnce) {
     EXPECT_FALSE(received.StoreReceivedMessage(kHead + "\r\nHello Ann,\r\n\r\ntwo", "0"));
 }
 
+// Catches a crash, a stack overflow or a quadratic walk on broken or hostile
+// structure, and a message lost instead of stored as far as it goes.
 TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
     QByteArray deep = part("text/plain", "bottom");
     for (int i = 0; i < 50; ++i)

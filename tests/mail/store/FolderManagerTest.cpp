@@ -1,12 +1,10 @@
 // User folders, the commands on selected messages and attachment files, on
 // real folders and databases.
 #include "mail/store/FolderManager.h"
-#include "TestSupport.h"
+#include "MailStoreFixture.h"
 #include "mail/store/AttachmentFile.h"
 #include "mail/store/MailStore.h"
 #include "mail/view/SelectedMessages.h"
-#include "platform/SettingsStore.h"
-#include "settings/IniHelpers.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,18 +16,11 @@ using namespace mirel::test;
 
 namespace {
 
-struct MailFolders : ::testing::Test {
-    TempDir dir;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0))};
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    MailStore store{dir.path(), clock, sink};
+struct MailFolders : MailStoreFixture {
     FolderManager folders{store, sink};
     QList<QByteArray> lines;
 
-    void SetUp() override { store.MailStoreStartup(ini); }
-    QString root() const { return dir.file("Email/"); }
+    QString mail() const { return root("Email/"); }
     void add(QByteArrayView folder, QByteArray subject, int attachments) {
         std::vector<AttachmentRow> atts(size_t(attachments), {"name=\"a.bin\"", subject});
         store.createMessage(folder, NewIndexFields{subject, {}, {}, {}}, {}, atts);
@@ -47,16 +38,16 @@ TEST_F(MailFolders, NamesAreOneDirectoryUnderTheRoot) {
         EXPECT_TRUE(folders.create(bad).isEmpty()) << bad;
     EXPECT_TRUE(folders.create(QByteArray("a\0b", 3)).isEmpty());
     EXPECT_EQ(sink.shown.size(), 10u);
-    EXPECT_EQ(QDir(root()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 4);
+    EXPECT_EQ(QDir(mail()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 4);
 
     for (const QByteArray good : {"Work", " Trips ", "\xC4rger", "a\\b"})
         EXPECT_FALSE(folders.create(good).isEmpty()) << good.constData();
     EXPECT_EQ(folders.userFolders(), (QList<QByteArray>{"a\\b", "Trips", "Work", "\xC4rger"}));
-    EXPECT_TRUE(QFileInfo(root() + QString::fromUtf8("Ärger/data.mdb")).size() > 0);
+    EXPECT_TRUE(QFileInfo(mail() + QString::fromUtf8("Ärger/data.mdb")).size() > 0);
     add("0", "m", 1);
     ASSERT_TRUE(store.MoveMessage("0", "a\\b", 1).has_value());
     EXPECT_EQ(store.readAttachments("a\\b", 1).size(), 1u);
-    EXPECT_FALSE(QFileInfo::exists(root() + "a"));
+    EXPECT_FALSE(QFileInfo::exists(mail() + "a"));
 
     // An existing folder keeps its mail.
     EXPECT_TRUE(folders.create("a\\b").isEmpty());
@@ -75,17 +66,17 @@ TEST_F(MailFolders, RenameAndDeleteTouchOnlyTheirFolder) {
     EXPECT_EQ(folders.rename("A", "C"), "C");
     EXPECT_EQ(folders.userFolders(), (QList<QByteArray>{"B", "C"}));
 
-    writeAll(root() + "C/data.mdb-journal", "j");
+    writeAll(mail() + "C/data.mdb-journal", "j");
     EXPECT_TRUE(folders.remove("C"));
-    EXPECT_FALSE(QFileInfo::exists(root() + "C"));
+    EXPECT_FALSE(QFileInfo::exists(mail() + "C"));
 
-    writeAll(root() + "B/notes.txt", "mine");
+    writeAll(mail() + "B/notes.txt", "mine");
     EXPECT_TRUE(folders.remove("B"));
-    EXPECT_EQ(QDir(root() + "B").entryList(QDir::Files), QStringList{"notes.txt"});
+    EXPECT_EQ(QDir(mail() + "B").entryList(QDir::Files), QStringList{"notes.txt"});
 
     QDir().mkpath(dir.file("outside"));
     writeAll(dir.file("outside/data.mdb"), "keep");
-    QFile::link(dir.file("outside"), root() + "L");
+    QFile::link(dir.file("outside"), mail() + "L");
     EXPECT_FALSE(folders.remove("L"));
     EXPECT_TRUE(QFileInfo::exists(dir.file("outside/data.mdb")));
 }
@@ -115,7 +106,7 @@ TEST_F(MailFolders, SelectedMessagesMoveAndDelete) {
     EXPECT_TRUE(store.FillMessageIndexList("3").empty());
 
     // A broken target: the walk stops at once, reported, its row kept.
-    QFile::remove(root() + "Work/attachments.mdb");
+    QFile::remove(mail() + "Work/attachments.mdb");
     QList<QByteArray> rest = {store.FillMessageIndexList("0").front().listLine(), "2\t0\t0"};
     sink.shown.clear();
     EXPECT_TRUE(SelectedMessages(store, "0", rest).move({0, 1}, "Work").isEmpty());

@@ -35,6 +35,7 @@ protected:
     }
 };
 
+// Catches CC/BCC lines written when empty, or in the other order.
 TEST(OutgoingMessageRules, HeaderText) {
     const struct {
         const char *cc, *bcc, *expected;
@@ -49,6 +50,7 @@ TEST(OutgoingMessageRules, HeaderText) {
         EXPECT_EQ(OutgoingMessageStore::headerText(r.cc, r.bcc), r.expected) << r.cc << r.bcc;
 }
 
+// Catches the sender's folder names sent along with an attachment.
 TEST(OutgoingMessageRules, AttachmentFileNameLosesItsFolders) {
     const struct {
         QString path;
@@ -65,6 +67,10 @@ TEST(OutgoingMessageRules, AttachmentFileNameLosesItsFolders) {
             << r.path.toStdString();
 }
 
+// From, subject and date going through are the whole-program compose test's.
+// Catches: ";" left as a recipient separator (and inside a quoted name),
+// an unset field written as empty instead of left NULL, the CC line lost,
+// attachments out of list order, a file read short or with its folders.
 TEST_F(OutgoingMessageStoreTest, StoresTheWholeRecordWithAttachmentsInListOrder) {
     QByteArray binary;
     for (int i = 0; i < 256; ++i)
@@ -88,20 +94,12 @@ TEST_F(OutgoingMessageStoreTest, StoresTheWholeRecordWithAttachmentsInListOrder)
     const auto index = store.readIndexRow("1", *result.id);
     ASSERT_TRUE(index);
     EXPECT_EQ(index->to, "ann@x.org,bob@y.net, \"Lee, Cy\" <cy@z.com>");
-    EXPECT_EQ(index->from, m.from);
-    EXPECT_EQ(index->date, m.date);
     EXPECT_EQ(index->attachments, 2);
-    EXPECT_EQ(index->readed, 0);
-    EXPECT_EQ(index->realDate, clock.now());
-    // No subject was given, so none was written.
     EXPECT_TRUE(isNull(*result.id, "Subject"));
     EXPECT_FALSE(isNull(*result.id, "To"));
 
-    const auto body = store.readMessageRow("1", *result.id);
-    ASSERT_TRUE(body);
-    EXPECT_EQ(body->html, m.html);
-    EXPECT_EQ(body->text, m.text);
-    EXPECT_EQ(body->headers, "CC: dee@x.org\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n");
+    EXPECT_EQ(store.readMessageRow("1", *result.id)->headers,
+              "CC: dee@x.org\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n");
 
     const auto files = store.readAttachments("1", *result.id);
     ASSERT_EQ(files.size(), 2u);
@@ -109,25 +107,21 @@ TEST_F(OutgoingMessageStoreTest, StoresTheWholeRecordWithAttachmentsInListOrder)
     EXPECT_EQ(files[0].data, binary);
     EXPECT_EQ(files[1].filename, "name=\"a.txt\"");
     EXPECT_EQ(files[1].data, "first line\r\nsecond\r\n");
-
-    // The sender finds it in the outbox list.
-    EXPECT_EQ(store.FillOutboxList(),
-              QList<QByteArray>{m.from + '|' + QByteArray::number(*result.id)});
     EXPECT_TRUE(sink.shown.empty());
 }
 
+// Catches empty fields written as "" (the list would show blanks, not
+// nothing) and the mailer line missing from a message without headers.
 TEST_F(OutgoingMessageStoreTest, AnEmptyMessageStillCarriesTheMailerLine) {
     const auto result = outgoing.StoreOutgoingMessage({}, MailStore::kOutbox);
     ASSERT_TRUE(result.ok());
     for (const char* column : {"Subject", "From", "Date", "To"})
         EXPECT_TRUE(isNull(*result.id, column)) << column;
-    const auto body = store.readMessageRow("1", *result.id);
-    ASSERT_TRUE(body);
-    EXPECT_EQ(body->headers, OutgoingMessageStore::kMailerLine);
-    EXPECT_TRUE(body->text.isEmpty());
-    EXPECT_EQ(store.readIndexRow("1", *result.id)->attachments, 0);
+    EXPECT_EQ(store.readMessageRow("1", *result.id)->headers, OutgoingMessageStore::kMailerLine);
 }
 
+// Catches a message lost, or a half-written attachment row left, when one
+// attachment cannot be read.
 TEST_F(OutgoingMessageStoreTest, AnUnreadableAttachmentStopsWithTheRowsSoFar) {
     writeAll(dir.file("files/a.txt"), "kept");
     writeAll(dir.file("files/c.txt"), "never reached");
@@ -150,10 +144,7 @@ TEST_F(OutgoingMessageStoreTest, AnUnreadableAttachmentStopsWithTheRowsSoFar) {
         EXPECT_FALSE(result.ok());
         EXPECT_TRUE(result.error.contains(c.bad)) << result.error.toStdString();
 
-        const auto index = store.readIndexRow("1", *result.id);
-        ASSERT_TRUE(index);
-        EXPECT_EQ(index->subject, "with attachments");
-        EXPECT_EQ(index->attachments, 1);
+        EXPECT_EQ(store.readIndexRow("1", *result.id)->attachments, 1);
         EXPECT_TRUE(store.readMessageRow("1", *result.id));
         const auto files = store.readAttachments("1", *result.id);
         ASSERT_EQ(files.size(), 1u);

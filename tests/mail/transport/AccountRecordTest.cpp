@@ -1,71 +1,40 @@
 #include "mail/transport/AccountRecord.h"
+#include "MailStoreFixture.h"
+
+#include <QJsonArray>
 
 #include <QList>
 #include <gtest/gtest.h>
 
 using namespace mirel;
+using mirel::test::jsonTestData;
 
 namespace {
 
 using R = AccountRecord;
 
+// Catches a field read from the wrong position of a short, long or hand-made
+// record, and the default mark or usability judged wrongly; the rows are in
+// tests/data/mail/account-rules.json.
 TEST(AccountRecord, FieldsOfEveryRecordShape) {
-    struct Case {
-        const char* what;
-        QByteArray record;
-        QList<QByteArray> fields; // 0..8
-        bool isDefault, usable;
-    } cases[] = {
-        {"fresh default",
-         "* Work||||||||",
-         {"* Work", "", "", "", "", "", "", "", ""},
-         true,
-         false},
-        {"edited, closing bar",
-         "  Home|pop.x.org:995|ann|abc|1|0|smtp.x.org|ann@x.org|Ann Lee|",
-         {"  Home", "pop.x.org:995", "ann", "abc", "1", "0", "smtp.x.org", "ann@x.org", "Ann Lee"},
-         false,
-         true},
-        {"edited without closing bar",
-         "* A|p|u|w|0|1|s|a@b|N",
-         {"* A", "p", "u", "w", "0", "1", "s", "a@b", "N"},
-         true,
-         true},
-        {"three fields",
-         "* Short|pop|user",
-         {"* Short", "pop", "user", "", "", "", "", "", ""},
-         true,
-         false},
-        {"twenty fields",
-         "  L|1|2|3|4|5|6|7|8|9|10|11|12|13|14|15|16|17|18|19",
-         {"  L", "1", "2", "3", "4", "5", "6", "7", "8"},
-         false,
-         true},
-        {"empty", "", {"", "", "", "", "", "", "", "", ""}, false, false},
-        {"only an address",
-         "  X|||||||a@b|",
-         {"  X", "", "", "", "", "", "", "a@b", ""},
-         false,
-         false},
-        // A bar typed into the name pushes every later field one place on.
-        {"bar inside the name",
-         "  A|B|pop|u|p|0|0|smtp|a@b|Nm|",
-         {"  A", "B", "pop", "u", "p", "0", "0", "smtp", "a@b"},
-         false,
-         true},
-    };
-    for (const Case& c : cases) {
+    const QJsonArray rows = jsonTestData("mail/account-rules.json")["records"].toArray();
+    ASSERT_FALSE(rows.isEmpty());
+    for (const QJsonValue c : rows) {
+        const std::string what = c[0].toString().toStdString();
+        const QByteArray record = c[1].toString().toLatin1();
         for (int n = 0; n < R::kFieldCount; ++n)
-            EXPECT_EQ(R::field(c.record, n), c.fields[n]) << c.what << " field " << n;
-        EXPECT_EQ(R::field(c.record, 40), "") << c.what;
-        EXPECT_EQ(R::isDefault(c.record), c.isDefault) << c.what;
-        EXPECT_EQ(R::isUsable(c.record), c.usable) << c.what;
+            EXPECT_EQ(R::field(record, n), c[2][n].toString().toLatin1()) << what << " field " << n;
+        EXPECT_EQ(R::field(record, 40), "") << what;
+        EXPECT_EQ(R::isDefault(record), c[3].toBool()) << what;
+        EXPECT_EQ(R::isUsable(record), c[4].toBool()) << what;
     }
     EXPECT_EQ(R::name("* Work||||||||"), "Work");
     EXPECT_EQ(R::name("  Home|x|"), "Home");
     EXPECT_EQ(R::name("*"), "");
 }
 
+// Catches an edit that loses the name or marker, a record without its
+// closing bar, and check boxes read from text instead of numbers.
 TEST(AccountRecord, EditKeepsNameAndClosesWithABar) {
     const QByteArray fresh = R::fresh("Work", true);
     EXPECT_EQ(fresh, "* Work||||||||");

@@ -1,3 +1,6 @@
+// The SMTP client on its worker thread. Sent and refused messages are
+// exercised through the whole send/receive runs against the test server;
+// here the rules only a direct caller can break.
 #include "platform/AsyncSmtpClient.h"
 
 #include "TestSupport.h"
@@ -14,84 +17,41 @@ using namespace mirel::test;
 
 namespace {
 
-struct Result {
-    int sent = 0, failed = 0, number = 0;
-    QThread* thread = nullptr;
-};
-
-Result waitFor(AsyncSmtpClient& smtp) {
-    Result r;
-    QEventLoop loop;
-    QObject::connect(&smtp, &AsyncSmtpClient::sent, &loop, [&] {
-        ++r.sent;
-        r.thread = QThread::currentThread();
-        loop.quit();
-    });
-    QObject::connect(&smtp, &AsyncSmtpClient::failed, &loop, [&](int n, const QByteArray&) {
-        ++r.failed;
-        r.number = n;
-        r.thread = QThread::currentThread();
-        loop.quit();
-    });
-    QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-    loop.exec();
-    return r;
-}
-
-OutgoingMail mail(const QByteArray& to) {
-    OutgoingMail m;
-    m.from = "ann@example.org";
-    m.to = to;
-    m.subject = "s";
-    m.text = "t\r\n";
-    return m;
-}
-
-TEST(AsyncSmtpClient, SendsOneAtATimeAndReportsOnTheStartingThread) {
-    ensureCoreApp();
-    SmtpSinkServer sink;
-    ASSERT_TRUE(sink.start({{}, false, {}, "refused"}));
-    AsyncSmtpClient smtp;
-    const QDateTime now = QDateTime::currentDateTime();
-
-    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("bob@example.org"), now));
-    EXPECT_TRUE(smtp.isBusy());
-    EXPECT_FALSE(smtp.send(loopbackServer(sink.port()), mail("other@example.org"), now));
-    Result r = waitFor(smtp);
-    EXPECT_EQ(r.sent, 1);
-    EXPECT_EQ(r.thread, QThread::currentThread());
-    EXPECT_FALSE(smtp.isBusy());
-
-    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("refused@example.org"), now));
-    r = waitFor(smtp);
-    EXPECT_EQ(r.failed, 1);
-    EXPECT_NE(r.number, 0);
-
-    ASSERT_EQ(sink.messages().size(), 1);
-    EXPECT_EQ(sink.messages()[0][QStringLiteral("rcpt_tos")].toVariant().toStringList(),
-              QStringList{QStringLiteral("bob@example.org")});
-}
-
-TEST(AsyncSmtpClient, ACancelledSendIsNotReported) {
+// Catches a second send started over a running one, an outcome reported for
+// a cancelled send, and a client left busy (unusable) after the cancel.
+TEST(AsyncSmtpClient, OneSendAtATimeAndACancelledSendIsNotReported) {
     ensureCoreApp();
     SmtpSinkServer sink;
     ASSERT_TRUE(sink.start({}));
+    OutgoingMail m;
+    m.from = "ann@example.org";
+    m.to = "bob@example.org";
+    m.text = "t\r\n";
+    const QDateTime now = QDateTime::currentDateTime();
     AsyncSmtpClient smtp;
     int signals = 0;
-    QObject::connect(&smtp, &AsyncSmtpClient::sent, [&] { ++signals; });
-    QObject::connect(&smtp, &AsyncSmtpClient::failed, [&] { ++signals; });
-    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("bob@example.org"),
-                          QDateTime::currentDateTime()));
+    QEventLoop loop;
+    QObject::connect(&smtp, &AsyncSmtpClient::sent, &loop, [&] {
+        ++signals;
+        loop.quit();
+    });
+    QObject::connect(&smtp, &AsyncSmtpClient::failed, &loop, [&] {
+        ++signals;
+        loop.quit();
+    });
+    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), m, now));
+    EXPECT_TRUE(smtp.isBusy());
+    EXPECT_FALSE(smtp.send(loopbackServer(sink.port()), m, now));
     smtp.cancel();
     QCoreApplication::processEvents();
     EXPECT_EQ(signals, 0);
     EXPECT_FALSE(smtp.isBusy());
 
-    // The client is usable again afterwards.
-    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), mail("bob@example.org"),
-                          QDateTime::currentDateTime()));
-    EXPECT_EQ(waitFor(smtp).sent, 1);
+    ASSERT_TRUE(smtp.send(loopbackServer(sink.port()), m, now));
+    QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+    loop.exec();
     EXPECT_EQ(signals, 1);
+    EXPECT_FALSE(smtp.isBusy());
 }
 
 } // namespace

@@ -1,13 +1,18 @@
 #include "mail/transport/OutboxMessage.h"
 
+#include "MailStoreFixture.h"
+
+#include <QJsonArray>
 #include <gtest/gtest.h>
 
 using namespace mirel;
+using mirel::test::jsonTestData;
 
 namespace {
 
 using Headers = QList<std::pair<QByteArray, QByteArray>>;
 
+// Catches a quoted comma that splits one recipient into two at the server.
 TEST(OutboxMessage, CommasInsideQuotesBecomeSpaces) {
     struct Case {
         const char* in;
@@ -23,36 +28,27 @@ TEST(OutboxMessage, CommasInsideQuotesBecomeSpaces) {
         EXPECT_EQ(OutboxMessage::spaceQuotedCommas(c.in), c.out) << c.in;
 }
 
+// Catches a header block read past its end, a line end other than CR LF or
+// CR taken as one, and a copy list left among the other headers (a BCC line
+// would go out with the message); the rows are in
+// tests/data/mail/account-rules.json.
 TEST(OutboxMessage, StoredHeaderLines) {
-    struct Case {
-        const char* what;
-        QByteArray block, cc, bcc;
-        Headers others;
-    } cases[] = {
-        {"copy lists and others",
-         "Cc: carl@x, dora@y\r\nBCC:  hidden@z \r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n"
-         "X-Priority:3\r\n",
-         "carl@x, dora@y",
-         "hidden@z",
-         {{"X-Mailer", "TORVEX Terminal MIREL v2.0"}, {"X-Priority", "3"}}},
-        {"value keeps later colons", "X-Time: 12:30\r\n", "", "", {{"X-Time", "12:30"}}},
-        {"empty line ends the block", "X-A: 1\r\n\r\nX-B: 2\r\n", "", "", {{"X-A", "1"}}},
-        {"last line without line end is ignored", "X-A: 1\r\nX-B: 2", "", "", {{"X-A", "1"}}},
-        {"CR alone ends a line", "X-A: 1\rcc: c@x\r", "c@x", "", {{"X-A", "1"}}},
-        {"line without colon skipped", "garbage\r\nX-A: 1\r\n", "", "", {{"X-A", "1"}}},
-        {"LF alone is no line end", "X-A: 1\nX-B: 2\n", "", "", {}},
-        {"empty", "", "", "", {}},
-    };
-    for (const Case& c : cases) {
+    const QJsonArray rows = jsonTestData("mail/account-rules.json")["headers"].toArray();
+    ASSERT_FALSE(rows.isEmpty());
+    auto bytes = [](const QJsonValue& v) { return v.toString().toLatin1(); };
+    for (const QJsonValue c : rows) {
         QByteArray cc, bcc;
-        Headers others;
-        OutboxMessage::readStoredHeaders(c.block, cc, bcc, others);
-        EXPECT_EQ(cc, c.cc) << c.what;
-        EXPECT_EQ(bcc, c.bcc) << c.what;
-        EXPECT_EQ(others, c.others) << c.what;
+        Headers others, expected;
+        for (const QJsonValue h : c[4].toArray())
+            expected.append({bytes(h[0]), bytes(h[1])});
+        OutboxMessage::readStoredHeaders(bytes(c[1]), cc, bcc, others);
+        EXPECT_EQ(cc, bytes(c[2])) << c[0].toString().toStdString();
+        EXPECT_EQ(bcc, bytes(c[3])) << c[0].toString().toStdString();
+        EXPECT_EQ(others, expected) << c[0].toString().toStdString();
     }
 }
 
+// Catches copy lists or other headers lost between the outbox and SMTP.
 TEST(OutboxMessage, StoredFieldsToOutgoingMail) {
     OutboxMessage::Stored s;
     s.from = "\"Ann\" <ann@x>";
@@ -66,10 +62,9 @@ TEST(OutboxMessage, StoredFieldsToOutgoingMail) {
     EXPECT_EQ(m.cc, "\"Doe  Dora\" <dora@d>");
     EXPECT_TRUE(m.bcc.isEmpty());
     EXPECT_EQ(m.headers, (Headers{{"X-Mailer", "M"}}));
-    EXPECT_EQ(m.from, s.from);
-    EXPECT_EQ(m.html, s.html);
 }
 
+// Catches a message sent through an account whose sender only resembles it.
 TEST(OutboxMessage, SendingAccountByExactSenderTextElseTheLast) {
     EmailAccountList accounts({"* Work|p|u|w|0|1|smtp.work|ann@work.org|Ann Lee|",
                                "  Home|p|u|w|0|0|smtp.home|ann@home.org|Ann|", "  Fresh||||||||"});

@@ -3,15 +3,12 @@
 // real server will not produce on demand.
 #include "mail/transport/SendReceiveRunner.h"
 
-#include "TestSupport.h"
-#include "mail/store/MailStore.h"
-#include "platform/SettingsStore.h"
+#include "MailStoreFixture.h"
 #include "servers/DovecotServer.h"
 #include "servers/LoopbackPort.h"
 #include "servers/ScriptedServer.h"
 #include "servers/SmtpSinkServer.h"
 #include "settings/DebugLog.h"
-#include "settings/IniHelpers.h"
 
 #include "platform/IniDocument.h"
 #include "platform/IniFile.h"
@@ -71,34 +68,19 @@ struct Outcome {
     QByteArray text() const { return lines.join('\n'); }
 };
 
-class SendReceiveRunnerTest : public ::testing::Test {
+class SendReceiveRunnerTest : public MailStoreFixture {
 protected:
-    TempDir dir;
-    SystemClock clock;
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    MailStore store{dir.path(), clock, sink};
     DebugLog debugLog{clock, dir.path(), true};
     DovecotServer pop;
     SmtpSinkServer smtp;
 
     void SetUp() override {
         ensureCoreApp();
-        store.MailStoreStartup(ini);
+        MailStoreFixture::SetUp();
     }
 
-    SendReceiveTexts texts() {
-        SendReceiveTexts t;
-        t.signedIn = "Signed in:";
-        t.ready = "Ready";
-        t.noMessages = "No new messages";
-        t.stored = "New message";
-        t.done = "Done";
-        t.outbox = "Outbox";
-        t.sent = "Sent";
-        return t;
-    }
+    const SendReceiveTexts texts{
+        "Signed in:", "Ready", "No new messages", "New message", "Done", "Outbox", "", "Sent"};
 
     // The servers of most tests speak in the clear; the TLS tests turn that
     // off and answer the trust questions.
@@ -109,7 +91,7 @@ protected:
 
     Outcome run(const QList<QByteArray>& accounts, int timeoutSeconds = 2) {
         Outcome r;
-        SendReceiveRunner runner(store, ini, clock, EmailAccountList(accounts), texts(), &debugLog);
+        SendReceiveRunner runner(store, ini, clock, EmailAccountList(accounts), texts, &debugLog);
         runner.setServerTuning([this, timeoutSeconds](MailServer& s) {
             s.connectTimeoutSeconds = timeoutSeconds;
             s.stallTimeoutSeconds = timeoutSeconds;
@@ -158,6 +140,10 @@ protected:
     size_t count(const QByteArray& folder) { return store.FillMessageIndexList(folder).size(); }
 };
 
+// Catches an account skipped, mail left on the server despite the delete
+// flag, a sent message left in the outbox or unread in Sent, a blind copy
+// visible, a quoted comma splitting a recipient, bytes changed on the way,
+// and a password in the debug log.
 TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
     pop.addUser("ann", "ann-pw");
     pop.addUser("bob", "bob-pw");
@@ -207,6 +193,8 @@ TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
     EXPECT_FALSE(log.contains("bob-pw"));
 }
 
+// Catches mail kept on the server stored again by the next run, and known
+// messages not deleted once the account switches to deleting.
 TEST_F(SendReceiveRunnerTest, MailLeftOnTheServerIsStoredOnce) {
     pop.addUser("ann", "pw");
     pop.deliver("ann", "Message-ID: <k1@x>\r\nSubject: kept\r\n\r\nbody\r\n");
@@ -291,7 +279,7 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
 TEST_F(SendReceiveRunnerTest, ClosingDuringAHangReturnsAtOnce) {
     ScriptedServer silent("+OK ready\r\n", {}, ScriptedServer::Ending::Silence);
     SendReceiveRunner runner(store, ini, clock,
-                             EmailAccountList({ann(local(silent.port()), "", true)}), texts());
+                             EmailAccountList({ann(local(silent.port()), "", true)}), texts);
     runner.open();
     QEventLoop loop;
     QTimer::singleShot(500, &loop, &QEventLoop::quit);
@@ -303,6 +291,7 @@ TEST_F(SendReceiveRunnerTest, ClosingDuringAHangReturnsAtOnce) {
     EXPECT_LT(t.elapsed(), 3000);
 }
 
+// Catches a refused message moved to Sent, or one that stops the rest.
 TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
     SmtpSinkServer::Options o;
     o.reject = "refused";

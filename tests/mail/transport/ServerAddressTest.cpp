@@ -1,45 +1,32 @@
 #include "mail/transport/ServerAddress.h"
 
+#include "MailStoreFixture.h"
+
+#include <QJsonArray>
 #include <gtest/gtest.h>
 
 using namespace mirel;
+using mirel::test::jsonTestData;
 
 namespace {
 
+// Catches a port read past its digits or out of range, and the default port
+// lost; the rows are in tests/data/mail/account-rules.json.
 TEST(ServerAddress, HostAndPortFromAServerField) {
-    struct Case {
-        const char* field;
-        int defaultPort;
-        const char* host;
-        int port;
-    } cases[] = {
-        {"pop.example.org", 110, "pop.example.org", 110},
-        {"pop.example.org:995", 110, "pop.example.org", 995},
-        {"smtp.example.org", 25, "smtp.example.org", 25},
-        {"smtp.example.org:587", 25, "smtp.example.org", 587},
-        {"host:587x", 25, "host", 587},
-        {"host:", 25, "host", 0}, // an empty port fails at connect, not here
-        {"host:abc", 25, "host", 0},
-        {"host:99999", 25, "host", 0},
-        {"host:1:2", 25, "host", 1},
-        {"", 110, "", 110},
-    };
-    for (const Case& c : cases) {
-        const MailServer s = ServerAddress::parse(c.field, c.defaultPort);
-        EXPECT_EQ(s.host, c.host) << c.field;
-        EXPECT_EQ(s.port, c.port) << c.field;
+    const QJsonArray rows = jsonTestData("mail/account-rules.json")["servers"].toArray();
+    ASSERT_FALSE(rows.isEmpty());
+    for (const QJsonValue c : rows) {
+        const MailServer s = ServerAddress::parse(c[0].toString().toLatin1(), c[1].toInt());
+        EXPECT_EQ(s.host, c[2].toString().toLatin1()) << c[0].toString().toStdString();
+        EXPECT_EQ(s.port, c[3].toInt()) << c[0].toString().toStdString();
     }
 }
 
+// Catches the SMTP server given the POP3 log-in without the account's
+// consent, or the default ports mixed up.
 TEST(ServerAddress, SmtpLogsInOnlyWhenTheAccountSaysSo) {
     const QByteArray withLogin = "* W|pop.x:995|ann|pw|0|1|smtp.x:465|ann@x|Ann|";
     const QByteArray without = "* W|pop.x|ann|pw|1|0|smtp.x|ann@x|Ann|";
-
-    const MailServer pop = ServerAddress::pop3For(withLogin);
-    EXPECT_EQ(pop.host, "pop.x");
-    EXPECT_EQ(pop.port, 995);
-    EXPECT_EQ(pop.userName, "ann");
-    EXPECT_EQ(pop.password, "pw");
 
     const MailServer smtp = ServerAddress::smtpFor(withLogin);
     EXPECT_EQ(smtp.port, 465);

@@ -24,40 +24,25 @@ const QByteArray kCapa = "+OK\r\nUSER\r\n.\r\n";
 const QList<QByteArray> kLogin = {kCapa, "+OK\r\n", "+OK logged in\r\n"};
 
 // A peer that stops in the middle must end in an error within the time
-// limits, never hang the session and never pass for success.
+// limits, never hang the session and never pass for success. (Dropped and
+// stalled messages are the whole send/receive runs' fault rows.)
 TEST(TransportFaults, Pop3PeerThatDropsOrStalls) {
     struct Case {
         const char* what;
         QList<QByteArray> replies;
         ScriptedServer::Ending ending;
-        bool stat; // the failure comes after a good STAT, during RETR
     } cases[] = {
-        {"hang-up after the greeting", {}, ScriptedServer::Ending::HangUp, false},
-        {"silence after the greeting", {}, ScriptedServer::Ending::Silence, false},
-        {"garbled STAT", kLogin + QList<QByteArray>{"+OK lots\r\n"}, ScriptedServer::Ending::HangUp,
-         false},
-        {"hang-up inside a message",
-         kLogin + QList<QByteArray>{"+OK 1 100\r\n", "+OK\r\nSubject: x\r\n\r\nhalf"},
-         ScriptedServer::Ending::HangUp, true},
-        {"silence inside a message",
-         kLogin + QList<QByteArray>{"+OK 1 100\r\n", "+OK\r\nSubject: x\r\n\r\nhalf"},
-         ScriptedServer::Ending::Silence, true},
+        {"hang-up after the greeting", {}, ScriptedServer::Ending::HangUp},
+        {"silence after the greeting", {}, ScriptedServer::Ending::Silence},
+        {"garbled STAT", kLogin + QList<QByteArray>{"+OK lots\r\n"},
+         ScriptedServer::Ending::HangUp},
     };
     for (const Case& c : cases) {
         ScriptedServer peer(kGreeting, c.replies, c.ending);
         Pop3Client pop;
-        QByteArray traced;
-        pop.setTrace([&](QByteArrayView l) { traced += l.toByteArray() + '\n'; });
         QElapsedTimer t;
         t.start();
-        TransportError e = pop.connect(at(peer.port()));
-        if (c.stat) {
-            ASSERT_FALSE(e) << c.what << ": " << e.description.constData();
-            EXPECT_EQ(pop.messageCount(), 1);
-            QByteArray got;
-            e = pop.fetch(1, got);
-            EXPECT_TRUE(got.isEmpty()) << c.what << traced.constData();
-        }
+        const TransportError e = pop.connect(at(peer.port()));
         EXPECT_TRUE(e) << c.what;
         EXPECT_FALSE(e.description.isEmpty()) << c.what;
         EXPECT_LT(t.elapsed(), 8000) << c.what;

@@ -25,22 +25,7 @@ using namespace mirel::test;
 namespace {
 
 // The section as a theme writes it; the SMTP box is left out on purpose.
-const QByteArray kTerminal = "[DEFAULT]\r\nSound=0\r\n"
-                             "[EMAILACCOUNTS]\r\n"
-                             "MaskColor=255,0,255\r\n"
-                             "01=ML,accounts,20,56,210,298,20,23,32,216,221,232,Sans,10\r\n"
-                             "02=B,n.png,20,366,96,30,,,0,EMAILACCOUNTNEW\r\n"
-                             "03=B,d.png,124,366,96,30,,,0,EMAILACCOUNTDELETE\r\n"
-                             "04=B,f.png,20,404,96,30,,,0,EMAILACCOUNTDEFAULT\r\n"
-                             "05=B,o.png,544,414,96,30,,,0,ok\r\n"
-                             "06=B,x.png,544,380,96,30,,,0,other-tool --flag\r\n"
-                             "07=SP,emailtextname,362,56,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "08=SP,emailtextemail,362,94,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "09=SP,emailtextpop3,362,132,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "10=SP,emailtextuser,362,170,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "11=SP,emailtextpass,362,208,278,28,26,30,42,235,240,250,Sans,10\r\n"
-                             "12=SP,emailhostdelete,250,290\r\n"
-                             "13=SP,emailhostauto,250,320\r\n";
+const QByteArray kTerminal = readAll(testData("mail/skins/emailaccounts-terminal.skn"));
 
 const QByteArray kHome = "  Home|pop.h|hu|hp|0|1|smtp.h|h@x.org|Home Me|";
 const QByteArray kWork = "* Work|pop.w:995|wu|wp|1|0|smtp.w|w@x.org|Work Me|";
@@ -92,33 +77,37 @@ protected:
             out << w.MLmessages()->item(i)->text();
         return out;
     }
+    // What the fields show, in the order of the account record.
+    static QString shown(const frmEmailAccounts& w) {
+        return QStringList{w.txtPOP3()->text(),
+                           w.txtUser()->text(),
+                           w.txtPass()->text(),
+                           w.CheckHostDelete()->isChecked() ? "1" : "0",
+                           w.CheckAutorize()->isChecked() ? "1" : "0",
+                           w.txtSmtp()->text(),
+                           w.txtEmail()->text(),
+                           w.txtName()->text()}
+            .join('|');
+    }
 };
 
+// Catches a field shown from the wrong record position, a password shown in
+// the clear, rows rewritten by merely selecting them, and an edit stored into
+// another entry or in a short form.
 TEST_F(frmEmailAccountsTest, OpensOnTheDefaultAccountAndEditsTheSelectedOne) {
     accounts = EmailAccountList({kHome, kWork, kFresh});
     auto w = open();
 
     EXPECT_EQ(rows(*w), QStringList({"  Home", "* Work", "  Fresh"}));
     EXPECT_EQ(w->MLmessages()->currentRow(), 1);
-    EXPECT_EQ(w->txtPOP3()->text(), "pop.w:995");
-    EXPECT_EQ(w->txtUser()->text(), "wu");
-    EXPECT_EQ(w->txtPass()->text(), "wp");
+    EXPECT_EQ(shown(*w), "pop.w:995|wu|wp|1|0|smtp.w|w@x.org|Work Me");
     EXPECT_EQ(w->txtPass()->echoMode(), QLineEdit::Password);
-    EXPECT_EQ(w->txtSmtp()->text(), "smtp.w");
-    EXPECT_EQ(w->txtEmail()->text(), "w@x.org");
-    EXPECT_EQ(w->txtName()->text(), "Work Me");
-    EXPECT_TRUE(w->CheckHostDelete()->isChecked());
-    EXPECT_FALSE(w->CheckAutorize()->isChecked());
-
-    // Moving between rows only shows them: no entry is rewritten.
     w->MLmessages()->setCurrentRow(2);
-    EXPECT_EQ(w->txtPOP3()->text(), "");
-    EXPECT_FALSE(w->CheckHostDelete()->isChecked());
+    EXPECT_EQ(shown(*w), "|||0|0|||");
     w->MLmessages()->setCurrentRow(0);
-    EXPECT_TRUE(w->CheckAutorize()->isChecked());
+    EXPECT_EQ(shown(*w), "pop.h|hu|hp|0|1|smtp.h|h@x.org|Home Me");
     EXPECT_EQ(accounts, EmailAccountList({kHome, kWork, kFresh}));
 
-    // Each change rebuilds the selected entry at once, in full form.
     w->MLmessages()->setCurrentRow(2);
     w->txtEmail()->setText(QString::fromUtf8("f\u00e9@x.org"));
     EXPECT_EQ(accounts.at(2), "  Fresh||||0|0||f\xe9@x.org||");
@@ -128,10 +117,10 @@ TEST_F(frmEmailAccountsTest, OpensOnTheDefaultAccountAndEditsTheSelectedOne) {
     EXPECT_EQ(accounts.at(0), kHome);
 }
 
+// Catches a cancelled prompt that still adds an account, a first account
+// left without the default mark, and a new row not selected for editing.
 TEST_F(frmEmailAccountsTest, NewAccountsTheFirstBecomesTheDefault) {
     auto w = open();
-    EXPECT_EQ(w->MLmessages()->count(), 0);
-    EXPECT_EQ(w->MLmessages()->currentRow(), -1);
 
     answers = {"Alpha", "", "Beta"};
     click(*w, "EMAILACCOUNTNEW");
@@ -147,6 +136,9 @@ TEST_F(frmEmailAccountsTest, NewAccountsTheFirstBecomesTheDefault) {
     EXPECT_EQ(accounts.at(1), "  Beta||||0|0|||Bea|");
 }
 
+// Catches a delete without asking or despite "No", the default mark passed
+// on to a neighbour, commands acting on no selection, and a theme's own
+// command not started.
 TEST_F(frmEmailAccountsTest, DefaultAndDeleteWorkOnTheSelectedRow) {
     accounts = EmailAccountList({kHome, kWork, kFresh});
     auto w = open();
@@ -154,21 +146,17 @@ TEST_F(frmEmailAccountsTest, DefaultAndDeleteWorkOnTheSelectedRow) {
     w->MLmessages()->setCurrentRow(2);
     click(*w, "EMAILACCOUNTDEFAULT");
     EXPECT_EQ(rows(*w), QStringList({"  Home", "  Work", "* Fresh"}));
-    EXPECT_EQ(accounts.defaultIndex(), 2);
-    EXPECT_EQ(accounts.at(1).mid(2), kWork.mid(2));
 
     sink.answer = false;
     click(*w, "EMAILACCOUNTDELETE");
-    ASSERT_EQ(sink.asked.size(), 1u);
-    EXPECT_EQ(sink.asked[0].text, "Are you sure to delete this Account?");
+    EXPECT_EQ(sink.asked.at(0).text, "Are you sure to delete this Account?");
     EXPECT_EQ(accounts.size(), 3);
 
     sink.answer = true;
     click(*w, "EMAILACCOUNTDELETE");
     EXPECT_EQ(rows(*w), QStringList({"  Home", "  Work"}));
     EXPECT_EQ(accounts.defaultIndex(), -1); // nobody inherits the mark
-    EXPECT_EQ(w->MLmessages()->currentRow(), -1);
-    EXPECT_EQ(w->txtName()->text(), "");
+    EXPECT_EQ(shown(*w), "|||0|0|||");
 
     // With nothing selected, delete does not ask, default marks nobody and
     // typing is stored nowhere.
@@ -182,40 +170,30 @@ TEST_F(frmEmailAccountsTest, DefaultAndDeleteWorkOnTheSelectedRow) {
     EXPECT_EQ(started, QList<QByteArray>{"other-tool --flag"});
 }
 
-// The file format itself is the accounts file's own test; here only who saves.
-TEST_F(frmEmailAccountsTest, OkWritesTheFileAndClosesEscapeDoesNot) {
+// Catches Escape saving the edits. (OK saving them is the main window
+// test's below.)
+TEST_F(frmEmailAccountsTest, EscapeClosesWithoutSaving) {
     file.SaveAccounts(EmailAccountList({kHome, kWork, kFresh, "  Old||||||||"}));
     accounts = file.LoadAccounts();
     accounts.removeAt(3);
-    {
-        auto w = open();
-        QTimer::singleShot(0, w.get(), [&] {
-            QKeyEvent esc(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-            QCoreApplication::sendEvent(w.get(), &esc);
-        });
-        w->exec();
-        EXPECT_FALSE(w->isVisible());
-        EXPECT_FALSE(w->saved());
-        EXPECT_EQ(file.LoadAccounts().size(), 4);
-    }
     auto w = open();
     QTimer::singleShot(0, w.get(), [&] {
-        w->txtPass()->setText("abc");
-        click(*w, "ok");
+        QKeyEvent esc(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QCoreApplication::sendEvent(w.get(), &esc);
     });
     w->exec();
     EXPECT_FALSE(w->isVisible());
-    EXPECT_TRUE(w->saved());
-    EXPECT_EQ(file.LoadAccounts(), accounts);
-    EXPECT_EQ(AccountRecord::field(accounts.at(1), AccountRecord::Password), "abc");
+    EXPECT_FALSE(w->saved());
+    EXPECT_EQ(file.LoadAccounts().size(), 4);
 }
 
 } // namespace
 
 namespace {
 
-// The main window opens the manager for EMAILACCOUNTS and takes the saved
-// list back as its own.
+// Catches OK that does not write the file, and the main window keeping its
+// old account list after OK (a session would run with the accounts the user
+// just changed or deleted).
 TEST(frmEmailAccountsFromMain, OkReloadsTheMainWindowsList) {
     TempDir dir;
     RecordingMessageSink sink;

@@ -1,13 +1,10 @@
 // The window over the bundled theme, running a real session against dovecot.
 #include "mail/transport/frmEmailSendReceive.h"
 
-#include "TestSupport.h"
-#include "mail/store/MailStore.h"
+#include "MailStoreFixture.h"
 #include "mail/transport/SendReceiveRunner.h"
-#include "platform/SettingsStore.h"
 #include "servers/DovecotServer.h"
 #include "settings/Folders.h"
-#include "settings/IniHelpers.h"
 #include "ui/LayoutEngine.h"
 #include "ui/SoundPlayer.h"
 
@@ -20,13 +17,8 @@ using namespace mirel::test;
 
 namespace {
 
-class frmEmailSendReceiveTest : public ::testing::Test {
+class frmEmailSendReceiveTest : public MailStoreFixture {
 protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore settings{dir.file("config")};
-    IniHelpers ini{sink, settings};
-    SystemClock clock;
     Folders folders = [] {
         Folders f;
         f.ProgramDir = testData(QStringLiteral("../.."));
@@ -35,9 +27,6 @@ protected:
     }();
     SoundPlayer sounds{folders, ini};
     LayoutEngine engine{SkinContext{folders, ini, &sounds, false, 0}};
-    MailStore store{dir.path(), clock, sink};
-
-    void SetUp() override { store.MailStoreStartup(ini); }
 
     /// Runs the window modally; once the session is over, clicks "OK".
     QStringList runWindow(const EmailAccountList& accounts) {
@@ -68,6 +57,8 @@ protected:
     }
 };
 
+// Catches status texts not taken from the bundled theme and a window that
+// does not follow the last line.
 TEST_F(frmEmailSendReceiveTest, ShowsEveryStepWithTheSkinTexts) {
     DovecotServer pop;
     pop.addUser("ann", "pw");
@@ -82,6 +73,7 @@ TEST_F(frmEmailSendReceiveTest, ShowsEveryStepWithTheSkinTexts) {
     EXPECT_EQ(pop.messagesOf("ann"), 0);
 }
 
+// Catches a window that waits for ever when there is no account.
 TEST_F(frmEmailSendReceiveTest, AnEmptyAccountListEndsAtOnceAndOkCloses) {
     EXPECT_TRUE(runWindow({}).isEmpty());
 }

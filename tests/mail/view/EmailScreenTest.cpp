@@ -8,7 +8,6 @@
 #include "mail/mime/ReceivedMessageStore.h"
 #include "mail/store/DuplicateDetector.h"
 #include "mail/store/MailStore.h"
-#include "mail/store/frmEmailConfig.h"
 #include "mail/view/FolderScreen.h"
 #include "platform/Clock.h"
 #include "platform/SettingsStore.h"
@@ -16,17 +15,14 @@
 #include "ui/SkinButton.h"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QDir>
-#include <QFileInfo>
+#include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QImage>
 #include <QListWidget>
 #include <QTextBrowser>
 #include <QTextDocument>
 #include <QTextEdit>
-#include <QTimer>
 #include <QTreeWidget>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -39,17 +35,7 @@ using namespace mirel;
 
 namespace {
 
-const QByteArray kSkin =
-    "[DEFAULT]\r\nBackGround=0,0,0\r\n"
-    "01=B,b.bmp,0,0,50,20,,,False,EMAIL\r\n"
-    "[OVERVIEW]\r\n01=L,overview,60,0,300,300,0,0,0,255,255,255,Sans,9\r\n"
-    "[EMAIL]\r\ndefin=Inbox\r\ndefout=Outbox\r\ndefsnd=Sent\r\ndefdel=Deleted\r\n"
-    "01=B,b.bmp,60,0,50,20,,,False,EMAILREPLY\r\n"
-    "02=B,b.bmp,120,0,50,20,,,False,EMAILSOURCE\r\n"
-    "03=B,b.bmp,180,0,50,20,,,False,EMAILNEW\r\n"
-    "04=ML,messages,60,30,830,200,10,10,10,200,200,200,Sans,9\r\n"
-    "05=MO,view,60,240,830,300,0,0,0,255,255,255,Sans,9\r\n"
-    "06=MA,attachments,60,550,830,80,10,10,10,200,200,200,Sans,9\r\n";
+const QByteArray kSkin = test::readAll(test::testData("mail/skins/email-screen.skn"));
 
 struct Main {
     test::TempDir dir;
@@ -99,32 +85,28 @@ struct Main {
     }
 };
 
+// The list, page, caption and source of real mail are checked in the
+// whole-program view test; here what it cannot see. Catches: a row not
+// marked read or the widgets of an open message left hidden, a link to a
+// local file or relative page handed to the desktop, an attachment name
+// shown beyond its caption without its full name as tool tip, and the
+// screen's own button resetting the source view.
 TEST(EmailScreen, ListOpenSourceAndAttachments) {
     Main m;
     MessageRow text;
     text.text = "Hello\r\nsee http://example.org/page now\r\n";
     text.headers = "From: \"Ann\" <ann@x.org>\r\nSubject: Plain\r\n";
     MessageRow html;
-    html.html = "<html><head><meta charset=utf-8></head><body bgcolor=#ffffff>"
-                "Gr\xC3\xBC\xC3\x9F"
-                "e <a href=\"http://example.com/\">site</a></body></html>";
+    html.html = "<html><body bgcolor=#ffffff>Hi <a href=\"http://example.com/\">site</a></body>";
     m.add("0", "Plain", "\"Ann\" <ann@x.org>", text);
-    m.add("0", "=?utf-8?q?Gr=C3=BC=C3=9Fe?=", "bob@y.net", html,
+    m.add("0", "Html", "bob@y.net", html,
           {{"name=\"very_long_report_name.pdf\"", "%PDF-1.4"}, {"name=\"a.txt\"", "x"}});
 
     m.click("EMAIL");
     QTreeWidget* list = m.screen().MLmessages();
     ASSERT_EQ(list->topLevelItemCount(), 2);
-    EXPECT_TRUE(list->isVisible());
-    // Newest first; the sender's quoted name alone; encoded subject decoded.
     EXPECT_EQ(list->topLevelItem(0)->text(0), "*");
-    EXPECT_EQ(list->topLevelItem(0)->text(2), "bob@y.net");
-    EXPECT_EQ(list->topLevelItem(0)->text(4), QString::fromUtf8("Grüße"));
-    EXPECT_EQ(list->topLevelItem(1)->text(2), "Ann");
     EXPECT_EQ(list->topLevelItem(1)->text(0), " ");
-    EXPECT_EQ(list->columnWidth(2), (830 - 30) / 4);
-    EXPECT_EQ(m.screen().ListMessages().size(), 2);
-
     const QColor fore(200, 200, 200);
     EXPECT_NE(list->topLevelItem(0)->foreground(4).color(), fore);
     EXPECT_FALSE(m.screen().wbEmail()->isVisible());
@@ -134,27 +116,17 @@ TEST(EmailScreen, ListOpenSourceAndAttachments) {
     m.clickRow(0);
     EXPECT_EQ(list->topLevelItem(0)->foreground(4).color(), fore);
     EXPECT_TRUE(m.screen().ListMessages()[0].startsWith(QByteArray::number(2) + "\t1\t"));
-    EXPECT_EQ(m.w->mailStore()->readIndexRow("0", 2)->readed, 1);
     EXPECT_TRUE(m.screen().wbEmail()->isVisible());
     EXPECT_FALSE(m.screen().rtfEmail()->isVisible());
     EXPECT_TRUE(m.mailButton("emailreply")->isVisible());
-    EXPECT_TRUE(m.screen().wbEmail()->toPlainText().contains(QString::fromUtf8("Grüße site")))
-        << m.screen().wbEmail()->toPlainText().toStdString();
-    // The file keeps the stored bytes; only the screen decodes them.
-    EXPECT_TRUE(test::readAll(m.screen().view().pagePath())
-                    .contains("Gr\xC3\xBC\xC3\x9F"
-                              "e"));
-
     QListWidget* att = m.screen().lvAttachments();
     EXPECT_TRUE(att->isVisible());
     ASSERT_EQ(att->count(), 2);
     EXPECT_EQ(att->item(0)->text(), "very_long_re");
     EXPECT_EQ(att->item(0)->toolTip(), "very_long_report_name.pdf");
-    EXPECT_EQ(att->item(1)->text(), "a.txt");
 
-    Q_EMIT m.screen().wbEmail()->anchorClicked(QUrl("http://example.com/"));
-    Q_EMIT m.screen().wbEmail()->anchorClicked(QUrl("file:///etc/passwd"));
-    Q_EMIT m.screen().wbEmail()->anchorClicked(QUrl("relative.html"));
+    for (const char* link : {"http://example.com/", "file:///etc/passwd", "relative.html"})
+        Q_EMIT m.screen().wbEmail()->anchorClicked(QUrl(link));
     EXPECT_EQ(m.opened, QList<QUrl>{QUrl("http://example.com/")});
 
     m.clickRow(1);
@@ -162,16 +134,13 @@ TEST(EmailScreen, ListOpenSourceAndAttachments) {
     EXPECT_TRUE(m.screen().wbEmail()->toHtml().contains("http://example.org/page"));
     m.click("EMAILSOURCE");
     EXPECT_FALSE(m.screen().wbEmail()->isVisible());
-    EXPECT_TRUE(m.screen().rtfEmail()->isVisible());
     EXPECT_EQ(m.screen().rtfEmail()->toPlainText(), "From: \"Ann\" <ann@x.org>\nSubject: Plain\n");
-
-    // The button of the screen already shown changes nothing; both rows now read.
     m.click("EMAIL");
     EXPECT_TRUE(m.screen().rtfEmail()->isVisible());
-    EXPECT_EQ(list->topLevelItem(1)->foreground(2).color(), fore);
     EXPECT_EQ(m.screen().view().shownRow(), 1);
 }
 
+// Catches an overview row that opens the screen on the wrong folder.
 TEST(EmailScreen, OverviewRowOpensItsFolder) {
     Main m;
     m.add("2", "sent one", "me@x.org", MessageRow{0, "t", {}, {}});
@@ -191,6 +160,7 @@ TEST(EmailScreen, OverviewRowOpensItsFolder) {
     EXPECT_EQ(m.screen().MLmessages()->topLevelItem(0)->text(4), "sent one");
 }
 
+// Catches a crash on the source of no message.
 TEST(EmailScreen, EmptyFolderShowsNothing) {
     Main m;
     m.click("EMAIL");
@@ -249,6 +219,7 @@ TEST(EmailScreen, HostileMessagesReadNoFileAndShowNamesAsText) {
     writer.join();
 }
 
+// Catches an unread colour that vanishes into the theme's text or background.
 TEST(EmailScreen, UnreadColourStandsApart) {
     for (const QColor& fore : {QColor(255, 190, 40), QColor(200, 200, 200), QColor(0, 0, 0)})
         for (const QColor& back : {QColor(0, 0, 0), QColor(255, 255, 255), QColor(80, 170, 255)}) {
@@ -258,9 +229,10 @@ TEST(EmailScreen, UnreadColourStandsApart) {
         }
 }
 
-// Catches: deleting that opens (and marks read) the neighbouring row, a
-// Delete key or attachment double click that does nothing, "Mail" staying
-// in the last folder, and a screen left on a folder renamed or deleted.
+// Moving, and renaming or deleting the folder shown, are the whole-program
+// folder test's. Catches: deleting that opens (and marks read) the
+// neighbouring row, a Delete key or attachment double click that does
+// nothing, and "Mail" staying in the last folder.
 TEST(EmailScreen, OrganiseMessagesAndFolders) {
     Main m;
     for (const QByteArray n : {"a", "b", "c"})
@@ -289,40 +261,11 @@ TEST(EmailScreen, OrganiseMessagesAndFolders) {
     EXPECT_EQ(proposed, "b.txt");
     EXPECT_EQ(test::readAll(m.dir.file("saved.txt")), "bytes of b");
 
-    f.setTargetChooser([](const QList<QByteArray>&, QByteArrayView) { return "Deleted"; });
-    list->topLevelItem(0)->setSelected(true);
-    f.MoveSelectedMessages();
-    EXPECT_EQ(list->topLevelItemCount(), 0);
+    // "Mail" goes back to the inbox from any folder.
     f.openFolder("3");
     EXPECT_EQ(f.lblFolder()->text(), "Deleted");
-    EXPECT_EQ(list->topLevelItemCount(), 3);
     m.click("EMAIL");
     EXPECT_EQ(f.lblFolder()->text(), "Inbox");
-
-    FolderManager(*m.w->mailStore(), m.sink).create("Old");
-    f.openFolder("Old");
-    QList<QByteArray> answers{"New name"};
-    QTimer poll; // acts once the dialog runs modally
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        frmEmailConfig* d = nullptr; // a dialog another test left open may be the active one
-        for (QWidget* w : QApplication::topLevelWidgets())
-            d = d ? d : qobject_cast<frmEmailConfig*>(w);
-        if (!d || !d->isVisible())
-            return;
-        poll.stop();
-        d->setNamePrompt([&](const QString&, const QByteArray&) { return answers.takeFirst(); });
-        d->MLmessages()->item(0)->setSelected(true);
-        d->runCommand("EMAILCONFIGRENAME");
-        EXPECT_EQ(f.lblFolder()->text(), "New name");
-        d->MLmessages()->item(0)->setSelected(true);
-        d->runCommand("EMAILCONFIGDELETE");
-        d->runCommand("OK");
-    });
-    poll.start(10);
-    f.FolderManagerDialog();
-    EXPECT_EQ(m.screen().view().currentFolder(), "0");
-    EXPECT_FALSE(QFileInfo::exists(m.dir.file("prog/Email/New name")));
-    EXPECT_EQ(f.cboFolders()->count(), 4);
 }
 
 } // namespace
