@@ -99,3 +99,16 @@ def pointer_click(display, node, clicks=1):
     box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
     click(display, box.x + box.width // 2, box.y + box.height // 2, clicks)
     time.sleep(0.5)
+
+
+def send_receive(case, timeout=30):
+    """The theme's send/receive button pressed, its window closed with "OK"
+    once the run says it is done."""
+    case.press("EMAILSENDRECEIVE")
+    status = case.find("Status", shown=True, timeout=15)
+    deadline = time.time() + timeout
+    while not any(n.name.endswith(" Done") for n in walk(status)):
+        case.assertLess(time.time(), deadline, [n.name for n in walk(status)])
+        time.sleep(0.3)
+    window = case.find("Send and receive", shown=True)
+    next(n for n in walk(window) if n.name == "OK").queryAction().doAction(0)

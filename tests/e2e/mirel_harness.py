@@ -226,6 +226,77 @@ class Session:
         shutil.rmtree(self.tmp, ignore_errors=True)
 
 
+def triplets(text):
+    """A stored account record: each byte as three decimal digits."""
+    return "".join("%03d" % b for b in text.encode("cp1252"))
+
+
+class MailServers:
+    """The test dovecot (started by the test helper) holding the message
+    files for "ann", an SMTP sink keeping what it accepts, and the program's
+    one account pointing at both, their clear text approved beforehand."""
+
+    def __init__(self, session, messages):
+        import socket
+        helper = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
+        self.pop = subprocess.Popen([helper, "dovecot", "ann", "s3cret", *messages],
+                                    stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        pop = int(self.pop.stdout.readline() or 0)
+        self.folder = os.path.join(session.tmp, "sink")
+        os.makedirs(self.folder)
+        with socket.socket() as free:
+            free.bind(("127.0.0.1", 0))
+            smtp = free.getsockname()[1]
+        self.smtp = subprocess.Popen(
+            ["/usr/bin/python3", os.path.join(SOURCE_DIR, "tests/support/servers/smtp_sink.py"),
+             "--port", str(smtp), "--folder", self.folder],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        ready = self.smtp.stdout.readline()
+        if not pop or not ready.startswith(b"READY"):
+            self.close()
+            raise RuntimeError("the test mail servers did not start")
+        folder = os.path.join(session.program_dir, "Email")
+        os.makedirs(folder, exist_ok=True)
+        record = "* Home|127.0.0.1:%d|ann|s3cret|1|0|127.0.0.1:%d|ann@example.org|Ann Example|"
+        with open(os.path.join(folder, "accounts.ini"), "w") as f:
+            f.write("[Email]\r\n0=%s\r\n" % triplets(record % (pop, smtp)))
+        with open(os.path.join(folder, "servers.ini"), "w") as f:
+            f.write("".join("[127.0.0.1:%d]\r\nPlaintext=1\r\n" % p for p in (pop, smtp)))
+
+    def received(self, count, timeout=30):
+        """The first count messages the sink accepted, as (envelope
+        recipients, message read by Python's email package)."""
+        import email
+        import email.policy
+        import json
+        names = [os.path.join(self.folder, str(n)) for n in range(1, count + 1)]
+        deadline = time.time() + timeout
+        while not all(os.path.exists(n + ".json") for n in names):
+            if time.time() > deadline:
+                raise AssertionError("the SMTP sink has %s" % os.listdir(self.folder))
+            time.sleep(0.3)
+        out = []
+        for n in names:
+            with open(n + ".json") as j, open(n + ".eml", "rb") as m:
+                out.append((json.load(j)["rcpt_tos"],
+                            email.message_from_bytes(m.read(), policy=email.policy.default)))
+        return out
+
+    def close(self):
+        for p in (self.pop, self.smtp):
+            if p.poll() is None:
+                if p is self.pop:
+                    p.stdin.close()
+                else:
+                    p.terminate()
+                try:
+                    p.wait(15)
+                except subprocess.TimeoutExpired:
+                    p.kill()
+                    p.wait()
+            p.stdout.close()
+
+
 def x_input(display, keys=(), wheel=0, move=None):
     """Through the X test extension: the pointer moved to `move` (x, y), key
     presses (X key names) at the focus, wheel notches (up when positive)

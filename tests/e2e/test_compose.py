@@ -1,12 +1,13 @@
 """Writing mail in the real program under Xvfb with the bundled theme,
 driven through the accessibility layer as a screen reader's user would: a
-new message with two recipients, a reply to a received message and a
-forward of a message with two attachments, each read back from the outbox;
-the scratch folder of the forward is empty afterwards."""
+message fetched from the test dovecot, then a new message (a recipient from
+the address picker, Cc, Bcc and bold text), a reply and a forward of both
+attachments, sent with the theme's send/receive button to an SMTP sink and
+read back with Python's email package; the forward's scratch folder is
+empty afterwards."""
 
 import os
-import sqlite3
-import subprocess
+import re
 import sys
 import time
 import unittest
@@ -14,13 +15,12 @@ from email.message import EmailMessage
 
 sys.path.insert(0, os.path.dirname(__file__))
 
-from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
-from mirel_harness import BUILD_DIR, Session  # noqa: E402
+from mirel_a11y import ScreenReaderCase, run_in_private_bus, send_receive, walk  # noqa: E402
+from mirel_harness import MailServers, Session  # noqa: E402
 
 if __name__ == "__main__":
     run_in_private_bus(__file__)
 
-HELPER = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
 PDF = bytes(range(256)) * 40
 PNG = b"\x89PNG\r\n\x1a\n" + bytes(300)
 
@@ -33,53 +33,22 @@ def received(path):
     m["Date"] = "Sun, 22 Nov 2026 10:00:00 +0100"
     m["Message-ID"] = "<compose-e2e@example.org>"
     m.set_content("Here are the figures.\n")
-    # The store keeps the Content-Type parameters as the name.
-    m.add_attachment(PDF, maintype="application", subtype="pdf", filename="figures.pdf",
-                     params={"name": "figures.pdf"})
-    m.add_attachment(PNG, maintype="image", subtype="png", filename="chart.png",
-                     params={"name": "chart.png"})
+    m.add_attachment(PDF, maintype="application", subtype="pdf", filename="figures.pdf")
+    m.add_attachment(PNG, maintype="image", subtype="png", filename="chart.png")
     with open(path, "wb") as f:
         f.write(bytes(m))
 
 
-def triplets(text):
-    return "".join("%03d" % b for b in text.encode("cp1252"))
-
-
 class Compose(ScreenReaderCase):
-    def outbox(self, s):
-        folder = os.path.join(s.program_dir, "Email", "1")
-        db = sqlite3.connect(os.path.join(folder, "index.mdb"))
-        db.execute("ATTACH ? AS a", (os.path.join(folder, "attachments.mdb"),))
-        try:
-            rows = db.execute('SELECT "ID", "Subject", "From", "To", "Date" FROM "Index" '
-                              'ORDER BY "ID"').fetchall()
-            out = []
-            for id_, subject, sender, to, date in rows:
-                files = db.execute('SELECT "Filename", "Data" FROM a."Attachments" WHERE "ID"=?',
-                                   (id_,)).fetchall()
-                out.append((bytes(subject).decode("cp1252"), bytes(sender).decode("cp1252"),
-                            bytes(to).decode("cp1252"), bytes(date or b"").decode(),
-                            [(bytes(n).decode("cp1252"), bytes(d)) for n, d in files]))
-            return out
-        finally:
-            db.close()
-
     def set_text(self, name, text):
-        box = self.find(name, shown=True)
-        box.queryEditableText().setTextContents(text)
+        self.find(name, shown=True).queryEditableText().setTextContents(text)
 
-    def wait_outbox(self, s, count):
-        deadline = time.time() + 15
-        while time.time() < deadline:
-            try:
-                rows = self.outbox(s)
-                if len(rows) >= count:
-                    return rows
-            except sqlite3.Error:
-                pass
-            time.sleep(0.3)
-        self.fail("the outbox did not reach %d messages: %s" % (count, s.debug_log()))
+    def in_window(self, title, name, role="push button"):
+        top = self.find(title, shown=True, timeout=15)
+        for node in walk(top):
+            if node.name == name and node.getRoleName() == role:
+                return node
+        self.fail("no %s %r in %r" % (role, name, title))
 
     def open_message(self):
         table = self.find("MLmessages")
@@ -94,59 +63,88 @@ class Compose(ScreenReaderCase):
             time.sleep(0.3)
         self.fail("the received message is not listed")
 
-    def test_new_reply_forward(self):
-        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                     "QT_ACCESSIBILITY": "1"}, theme=False)
+    def compose(self, command, shot):
+        self.s.send(command)
+        self.find("DHTMLEdit1", shown=True, timeout=15)
+        time.sleep(0.5)
+        self.s.screenshot(shot)
+
+    def test_new_reply_forward_arrive_intact(self):
+        s = self.s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                                              "QT_ACCESSIBILITY": "1"}, theme=False)
         self.addCleanup(s.close)
         s.bundled_theme()
-        record = "* Home|||pw|0|0|127.0.0.1:1|ann@example.org|Ann Example|"
-        os.makedirs(os.path.join(s.program_dir, "Email"), exist_ok=True)
-        with open(os.path.join(s.program_dir, "Email", "accounts.ini"), "w") as f:
-            f.write("[Email]\r\n0=%s\r\n" % triplets(record))
         mail = os.path.join(s.tmp, "figures.eml")
         received(mail)
-        stored = subprocess.run([HELPER, "store-received", s.program_dir, mail],
-                                capture_output=True, timeout=60)
-        self.assertEqual(stored.returncode, 0, stored.stderr)
+        servers = MailServers(s, [mail])
+        self.addCleanup(servers.close)
+        book = os.path.join(s.program_dir, "Mirel", "Addressbook")
+        os.makedirs(book)
+        for name, address in (("Marta L", "marta@example.org"), ("Jonas W", "jonas@example.net")):
+            with open(os.path.join(book, address), "w", newline="\r\n") as f:
+                f.write(name + "\n" * 14 + address + "\n")
+        notes = os.path.join(s.tmp, "notes.bin")
+        with open(notes, "wb") as f:
+            f.write(PDF[::-1])
 
         s.start()
         s.send("EMAIL")
         s.wait_for_log("Screen Email")
+        send_receive(self)
+        self.open_message()
 
-        # A new message with two recipients.
-        s.send("EMAILNEW")
-        self.find("DHTMLEdit1", shown=True, timeout=15)
-        self.set_text("txtTO", '"Marta L" <marta@example.org>, jonas@example.net')
+        # A new message: To from the picker, bold text from the toolbar, a
+        # file added through the file dialog.
+        self.compose("EMAILNEW", "compose-new")
+        self.press("EMAILTO")
+        picker = self.find("lstAddressbook", shown=True).queryTable()
+        picker.addRowSelection(0)
+        picker.addRowSelection(1)
+        self.in_window("Address book", "OK").queryAction().doAction(0)
+        self.set_text("txtCC", "cc@example.net")
+        self.find("cmdBut16", shown=True).queryAction().doAction(0)
+        box = self.in_window("Add attachment", "File name:", "text")
+        box.queryEditableText().setTextContents(notes)
+        self.in_window("Add attachment", "Open").queryAction().doAction(0)
+        self.set_text("txtBCC", "hidden@example.net")
         self.set_text("txtSubject", "Grüße")
         self.set_text("DHTMLEdit1", "Hello there")
-        time.sleep(0.5)
-        s.screenshot("compose-new")
-        self.press("OK")
-        new = self.wait_outbox(s, 1)[0]
-        self.assertEqual(new[:3], ("Grüße", '"Ann Example" <ann@example.org>',
-                                   '"Marta L" <marta@example.org>, jonas@example.net'))
-        self.assertRegex(new[3], r"^\w{3}, \d{1,2} \w{3} \d{4} \d\d:\d\d:\d\d [+-]\d{4}$")
+        self.find("DHTMLEdit1").queryText().setSelection(0, 6, 11)
+        self.find("cmdBut1", shown=True).queryAction().doAction(0)
+        self.press("OK", settle=0.5)
 
-        # A reply to the shown message.
-        self.open_message()
-        s.send("EMAILREPLY")
-        self.find("DHTMLEdit1", shown=True, timeout=15)
-        time.sleep(0.5)
-        s.screenshot("compose-reply")
-        self.press("OK")
-        reply = self.wait_outbox(s, 2)[1]
-        self.assertEqual(reply[0], "Re: Quarterly figures")
-        self.assertEqual(reply[2], "Bob <bob@example.org>")
+        self.compose("EMAILREPLY", "compose-reply")
+        self.press("OK", settle=0.5)
+        self.compose("EMAILFORWARD", "compose-forward")
+        self.press("OK", settle=0.5)
+        send_receive(self)
 
-        # A forward takes both attachments along, byte for byte.
-        s.send("EMAILFORWARD")
-        self.find("DHTMLEdit1", shown=True, timeout=15)
-        time.sleep(0.5)
-        s.screenshot("compose-forward")
-        self.press("OK")
-        forward = self.wait_outbox(s, 3)[2]
-        self.assertEqual(forward[4], [('name="figures.pdf"', PDF), ('name="chart.png"', PNG)])
-        time.sleep(0.5)
+        # Every recipient reaches the server, Bcc in the envelope only; the
+        # bold survives as a tag of its own, the file byte for byte.
+        (to_new, new), (to_reply, reply), (to_fwd, fwd) = servers.received(3)
+        self.assertEqual(to_new, ["jonas@example.net", "marta@example.org", "cc@example.net",
+                                  "hidden@example.net"])
+        self.assertEqual((new["From"], new["To"], new["Cc"], new["Bcc"], new["Subject"]),
+                         ("Ann Example <ann@example.org>",
+                          "Jonas W <jonas@example.net>, Marta L <marta@example.org>",
+                          "cc@example.net", None, "Grüße"))
+        self.assertEqual([(a.get_filename(), a.get_content()) for a in new.iter_attachments()],
+                         [("notes.bin", PDF[::-1])])
+        self.assertRegex(new["Date"], r"^\w{3}, \d{1,2} \w{3} \d{4} \d\d:\d\d:\d\d [+-]\d{4}$")
+        self.assertIn("Hello there", new.get_body(("plain",)).get_content())
+        self.assertRegex(new.get_body(("html",)).get_content(), r"(?i)Hello <b>there</b>")
+
+        self.assertEqual((to_reply, reply["Subject"], str(reply["To"])),
+                         (["bob@example.org"], "Re: Quarterly figures", "Bob <bob@example.org>"))
+        for part in ("plain", "html"):
+            body = reply.get_body((part,)).get_content()
+            self.assertTrue(re.search(r"Original message.*Here are the figures\.", body, re.S),
+                            body)
+
+        # A forward keeps the reply's presets, the original's attachments added.
+        self.assertEqual((to_fwd, fwd["Subject"]), (["bob@example.org"], "Re: Quarterly figures"))
+        self.assertEqual([(a.get_filename(), a.get_content()) for a in fwd.iter_attachments()],
+                         [("figures.pdf", PDF), ("chart.png", PNG)])
         self.assertEqual(os.listdir(os.path.join(s.program_dir, "EmailTemp")), [])
 
 

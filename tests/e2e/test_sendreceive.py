@@ -15,7 +15,7 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from mirel_harness import SOURCE_DIR, Session, Xvfb, click  # noqa: E402
+from mirel_harness import SOURCE_DIR, Session, Xvfb, click, triplets  # noqa: E402
 
 PASSWORD = "s3cret-pop"
 
@@ -90,10 +90,6 @@ class Pop3Handler(socketserver.StreamRequestHandler):
 class Pop3Server(socketserver.ThreadingTCPServer):
     daemon_threads = True
     allow_reuse_address = True
-
-
-def triplets(text):
-    return "".join("%03d" % b for b in text.encode("cp1252"))
 
 
 class SendReceive(unittest.TestCase):

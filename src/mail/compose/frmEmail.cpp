@@ -71,6 +71,25 @@ public:
     QVariant loadResource(int, const QUrl&) override { return QByteArray(""); }
 };
 
+/// The picture with every pixel taken two thirds of the way towards its
+/// corner colour, the tool's own background: the frame stays, the sign dims.
+QPixmap fadedPicture(const QPixmap& picture) {
+    QImage image = picture.toImage().convertToFormat(QImage::Format_ARGB32);
+    if (image.isNull())
+        return picture;
+    const QColor back = image.pixelColor(0, 0);
+    auto fade = [](int from, int to) { return to + (from - to) / 3; };
+    for (int y = 0; y < image.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb p = line[x];
+            line[x] = qRgba(fade(qRed(p), back.red()), fade(qGreen(p), back.green()),
+                            fade(qBlue(p), back.blue()), qAlpha(p));
+        }
+    }
+    return QPixmap::fromImage(image);
+}
+
 void name(QWidget* w, const QString& n) {
     w->setObjectName(n);
     w->setAccessibleName(n);
@@ -249,12 +268,27 @@ void frmEmail::setUpToolbar() {
             inverted.invertPixels();
             lit = QPixmap::fromImage(inverted);
         }
-        if (!lit.isNull()) {
+        if (!lit.isNull())
             icon.addPixmap(lit, QIcon::Normal, QIcon::On);
-            b->setIcon(icon);
+        // The style's own disabled look washes an opaque dark picture into
+        // a light grey square; a tool that cannot apply fades instead.
+        if (!icon.isNull()) {
+            const QPixmap faded = fadedPicture(icon.pixmap(b->iconSize()));
+            icon.addPixmap(faded, QIcon::Disabled, QIcon::Off);
+            icon.addPixmap(faded, QIcon::Disabled, QIcon::On);
         }
+        b->setIcon(icon);
         b->setCheckable(true);
-        connect(b, &QPushButton::clicked, this, [this, i] { toolbar(i); });
+        // Toggled, not clicked: a screen reader's action on a latching
+        // button toggles it without a click. Queued, so that action returns
+        // before a tool's own dialog opens. The latch then follows the text.
+        connect(
+            b, &QPushButton::toggled, this,
+            [this, i] {
+                toolbar(i);
+                updateToolbar();
+            },
+            Qt::QueuedConnection);
     }
     connect(m_edit, &QTextEdit::cursorPositionChanged, this, [this] { updateToolbar(); });
     connect(m_edit, &QTextEdit::currentCharFormatChanged, this, [this] { updateToolbar(); });
@@ -585,6 +619,7 @@ void frmEmail::applyFormat(const QString& caption) {
 
 void frmEmail::setLatched(int tool, bool enabled, bool latched) {
     if (QPushButton* b = m_tools[size_t(tool)]) {
+        const QSignalBlocker quiet(b);
         b->setEnabled(enabled);
         b->setChecked(enabled && latched);
     }

@@ -10,6 +10,9 @@
 //   move PROGRAMDIR FROM TO ID             moves one message, its new ID out
 //   hold-lock FILE                         holds a write lock on a database until
 //                                          stdin closes ("locked" out once it holds)
+//   dovecot USER PASSWORD FILE...          a dovecot POP3 server holding the message
+//                                          files for USER: its port out, up until
+//                                          stdin closes
 // With MIREL_KILL_AFTER_WRITES=k, receive and move kill themselves (SIGKILL)
 // right after their k-th write to a file; with MIREL_FILE_SIZE_LIMIT=n no
 // file may grow beyond n bytes (the write fails as on a full disk); with
@@ -21,6 +24,7 @@
 #include "platform/Clock.h"
 #include "platform/IniFile.h"
 #include "platform/SettingsStore.h"
+#include "servers/DovecotServer.h"
 #include "settings/IniHelpers.h"
 
 #include <QCoreApplication>
@@ -180,6 +184,25 @@ int main(int argc, char** argv) {
         SQLite::Database db(QFile::encodeName(a[2]).toStdString(), SQLite::OPEN_READWRITE);
         db.exec("BEGIN IMMEDIATE");
         std::printf("locked\n");
+        std::fflush(stdout);
+        char c;
+        while (read(0, &c, 1) > 0) {
+        }
+        return 0;
+    }
+    if (a.size() >= 4 && a[1] == QLatin1String("dovecot")) {
+        test::DovecotServer server;
+        const QByteArray user = a[2].toUtf8();
+        server.addUser(user, a[3].toUtf8());
+        for (qsizetype i = 4; i < a.size(); ++i) {
+            QFile f(a[i]);
+            if (!f.open(QIODevice::ReadOnly))
+                return 2;
+            server.deliver(user, f.readAll());
+        }
+        if (!server.start())
+            return 3;
+        std::printf("%d\n", server.port());
         std::fflush(stdout);
         char c;
         while (read(0, &c, 1) > 0) {
