@@ -323,8 +323,10 @@ bool frmMain::organiserCommand(const QByteArray& name, int arg, bool step) {
     m_organiser->shared().saved = false;
     if (!m_organiser->command(name, arg))
         return false;
-    // A refused delete or a failed save leaves the editor as it was: still unsaved.
-    if (m_organiser->shared().saved || (!step && UnsavedEdits::capture(*this) != before))
+    // A refused delete or a failed save leaves the editor as it was: still unsaved,
+    // also where the failed save put a placeholder into an empty box.
+    const bool save = name == UnsavedEdits::saveCommand(state().currentScreen);
+    if (m_organiser->shared().saved || (!step && !save && UnsavedEdits::capture(*this) != before))
         m_edits.remember(*this);
     return true;
 }

@@ -39,6 +39,15 @@ QByteArray fmt(const QDateTime& t, const char* pattern) {
     return t.toString(QString::fromLatin1(pattern)).toLatin1();
 }
 
+void moveBy(AgendaEditorState& ed, const StepRule& r, int amount) {
+    if (!r.endOnly)
+        ed.start = moved(ed.start, r.unit, amount);
+    ed.end = moved(ed.end, r.unit, amount);
+    // Moving the end back never takes it before the start.
+    if (r.endOnly && amount < 0)
+        ed.end = std::max(ed.end, ed.start);
+}
+
 } // namespace
 
 AgendaEditorState::Labels AgendaEditorState::labels() const {
@@ -75,15 +84,19 @@ void AgendaEditor::show(const AgendaLists& lists, int i, AgendaEditorState& ed) 
 }
 
 void AgendaEditor::step(AgendaEditorState& ed, int code) {
-    if (code < 0 || code >= int(std::size(kSteps)))
+    if (code >= 0 && code < int(std::size(kSteps)))
+        moveBy(ed, kSteps[code], kSteps[code].amount);
+}
+
+void AgendaEditor::setTime(AgendaEditorState& ed, int field, int value) {
+    if (field != StartHourUp && field != StartMinUp && field != EndHourUp && field != EndMinUp)
         return;
-    const StepRule& r = kSteps[code];
-    if (!r.endOnly)
-        ed.start = moved(ed.start, r.unit, r.amount);
-    ed.end = moved(ed.end, r.unit, r.amount);
-    // Stepping the end back never takes it before the start.
-    if (r.endOnly && r.amount < 0)
-        ed.end = std::max(ed.end, ed.start);
+    const bool hour = field == StartHourUp || field == EndHourUp;
+    if (value < 0 || value > (hour ? 23 : 59))
+        return;
+    const QTime shown = (field >= EndHourUp ? ed.end : ed.start).time();
+    const StepRule& r = kSteps[field];
+    moveBy(ed, r, (value - (hour ? shown.hour() : shown.minute())) * r.amount);
 }
 
 QByteArray AgendaEditor::build(const AgendaEditorState& ed) {

@@ -51,6 +51,9 @@ public:
 
     void show(const AgendaLists& lists, int i, AgendaEditorState& ed) const;
     static void step(AgendaEditorState& ed, int code);
+    /// A typed hour or minute; field is StartHourUp, StartMinUp, EndHourUp
+    /// or EndMinUp. Moves the time as that many steps would.
+    static void setTime(AgendaEditorState& ed, int field, int value);
     static void selectPriority(AgendaEditorState& ed, int n) { ed.priority = n; }
     /// The item the editor holds, in the stored form.
     static QByteArray build(const AgendaEditorState& ed);

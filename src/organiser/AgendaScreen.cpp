@@ -3,11 +3,119 @@
 #include "ui/SkinHost.h"
 #include "ui/TextBridge.h"
 
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QWheelEvent>
+
 namespace mirel {
+namespace {
+
+// The date and time labels with the step command that moves each up; the
+// one after it moves it down.
+constexpr std::pair<const char*, int> kTimeFields[] = {
+    {"DAY", AgendaEditor::DayUp},       {"MONTH", AgendaEditor::MonthUp},
+    {"YEAR", AgendaEditor::YearUp},     {"SHOUR", AgendaEditor::StartHourUp},
+    {"SMIN", AgendaEditor::StartMinUp}, {"EHOUR", AgendaEditor::EndHourUp},
+    {"EMIN", AgendaEditor::EndMinUp}};
+
+// Makes a time label behave like the field it looks like: the wheel and the
+// arrow keys step it, digits type hours and minutes (two digits, or one that
+// a second would take past the largest value), and it shows when it has the
+// focus. Owned by its label, so a new layout starts clean.
+class TimeField : public QObject {
+public:
+    TimeField(QLabel* label, int upStep, std::function<void(int)> step,
+              std::function<void(int, int)> type)
+        : QObject(label), m_label(label), m_up(upStep), m_step(std::move(step)),
+          m_type(std::move(type)) {
+        setObjectName(QStringLiteral("timeField"));
+        label->setFocusPolicy(Qt::StrongFocus);
+        label->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* e) override {
+        switch (e->type()) {
+        case QEvent::Wheel: {
+            // Touchpads send small deltas: a step for every whole notch.
+            m_wheel += static_cast<QWheelEvent*>(e)->angleDelta().y();
+            for (; m_wheel >= 120; m_wheel -= 120)
+                m_step(m_up);
+            for (; m_wheel <= -120; m_wheel += 120)
+                m_step(m_up + 1);
+            return true;
+        }
+        case QEvent::KeyPress:
+            return key(static_cast<QKeyEvent*>(e));
+        case QEvent::FocusIn:
+        case QEvent::FocusOut:
+            m_typed.clear();
+            m_label->setFrameStyle(e->type() == QEvent::FocusIn ? QFrame::Box | QFrame::Plain
+                                                                : QFrame::NoFrame);
+            return false;
+        default:
+            return false;
+        }
+    }
+
+private:
+    bool key(const QKeyEvent* k) {
+        if (k->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
+            return false;
+        if (k->key() == Qt::Key_Up || k->key() == Qt::Key_Down) {
+            m_step(k->key() == Qt::Key_Up ? m_up : m_up + 1);
+            return true;
+        }
+        const bool typable = m_up >= AgendaEditor::StartHourUp;
+        if (!typable || k->text().size() != 1 || !k->text()[0].isDigit())
+            return false;
+        const int largest =
+            m_up == AgendaEditor::StartHourUp || m_up == AgendaEditor::EndHourUp ? 23 : 59;
+        // A pause starts a new value, as in any time field.
+        if (!m_lastDigit.isValid() || m_lastDigit.restart() > 1500)
+            m_typed.clear();
+        m_lastDigit.start();
+        m_typed += k->text();
+        if (m_typed.size() > 2 || m_typed.toInt() > largest)
+            m_typed = k->text();
+        m_type(m_up, m_typed.toInt());
+        return true;
+    }
+
+    QLabel* m_label;
+    int m_up;
+    std::function<void(int)> m_step;
+    std::function<void(int, int)> m_type;
+    int m_wheel = 0;
+    QString m_typed;
+    QElapsedTimer m_lastDigit;
+};
+
+} // namespace
 
 void AgendaScreen::fill() {
     m_view = AgendaStore::View::Present;
+    SkinHost& h = m_sh.host;
+    for (const auto& [name, up] : kTimeFields) {
+        QLabel* label = h.label(h.state().tables.agendaLabels.value(name));
+        if (label && !label->findChild<QObject*>(QStringLiteral("timeField")))
+            new TimeField(
+                label, up, [this](int code) { timeChanged(code, -1); },
+                [this](int field, int value) { timeChanged(field, value); });
+    }
     showList();
+}
+
+void AgendaScreen::timeChanged(int code, int typed) {
+    // The date moves only where its step buttons are offered: dated items.
+    if (code < AgendaEditor::StartHourUp && !m_ed.dateButtonsEnabled())
+        return;
+    readEditor();
+    if (typed < 0)
+        AgendaEditor::step(m_ed, code);
+    else
+        AgendaEditor::setTime(m_ed, code, typed);
+    refreshLabels();
 }
 
 void AgendaScreen::showList() {

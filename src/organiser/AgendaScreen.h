@@ -30,6 +30,8 @@ private:
     void readEditor();
     void writeEditor();
     void refreshLabels();
+    /// A step command (typed < 0) or a typed hour or minute.
+    void timeChanged(int code, int typed);
 
     OrganiserShared& m_sh;
     AgendaStore& m_store;

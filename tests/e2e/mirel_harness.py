@@ -295,3 +295,30 @@ class MailServers:
                     p.kill()
                     p.wait()
             p.stdout.close()
+
+
+def x_input(display, keys=(), wheel=0, move=None):
+    """Through the X test extension: the pointer moved to `move` (x, y), key
+    presses (X key names) at the focus, wheel notches (up when positive)
+    under the pointer."""
+    import ctypes
+    x11, xtst = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XStringToKeysym.restype = ctypes.c_ulong
+    x11.XKeysymToKeycode.argtypes = [ctypes.c_void_p, ctypes.c_ulong]
+    for fake in (xtst.XTestFakeKeyEvent, xtst.XTestFakeButtonEvent):
+        fake.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int, ctypes.c_ulong]
+    xtst.XTestFakeMotionEvent.argtypes = [ctypes.c_void_p] + [ctypes.c_int] * 3 + [ctypes.c_ulong]
+    x11.XFlush.argtypes = x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+    dpy = x11.XOpenDisplay(display.encode())
+    if move:
+        xtst.XTestFakeMotionEvent(dpy, -1, move[0], move[1], 0)
+    events = [(xtst.XTestFakeKeyEvent, x11.XKeysymToKeycode(dpy, x11.XStringToKeysym(k.encode())))
+              for k in keys] + [(xtst.XTestFakeButtonEvent, 4 if wheel > 0 else 5)] * abs(wheel)
+    for fake, code in events:
+        fake(dpy, code, 1, 0)
+        fake(dpy, code, 0, 0)
+        x11.XFlush(dpy)
+        time.sleep(0.2)
+    x11.XFlush(dpy)
+    x11.XCloseDisplay(dpy)

@@ -1,0 +1,122 @@
+"""Mail from strangers through the whole program under Xvfb: each hostile
+message is stored as received mail, its row opened and its attachment icons
+hovered, and a mail link in it followed. The program must survive every one
+and open no file a message names (a folder of bait files is watched)."""
+
+import ctypes
+import os
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+sys.path.insert(0, os.path.dirname(__file__))
+
+from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
+from mirel_harness import BUILD_DIR, SOURCE_DIR, Session, click, x_input  # noqa: E402
+
+if __name__ == "__main__":
+    run_in_private_bus(__file__)
+
+CORPUS = os.path.join(SOURCE_DIR, "tests", "data", "mail", "hostile")
+HQX = "!\"#$%&'()*+,-012345689@ABCDEFGHIJKLMNPQRSTUVXYZ[`abcdefhijklmpqr"
+
+
+def generated():
+    """Too large to keep as files: a body of META tags (minutes to build a
+    page once) and a BinHex part declaring four bytes that run-length codes
+    would take past sixteen megabytes."""
+    packed = b"\x01x\x00TEXTMIR2\x00\x00\x00\x00\x00\x04\x00\x00\x00\x00ccdatacccc" + \
+        b"\x90\xff" * 65536
+    packed += b"\x00" * (-len(packed) % 3)
+    hqx = "".join(HQX[int.from_bytes(packed[i:i + 3], "big") >> s & 63]
+                  for i in range(0, len(packed), 3) for s in (18, 12, 6, 0))
+    head = "From: e@example.org\nTo: me@example.org\nSubject: %s\nMIME-Version: 1.0\n"
+    return {"meta.eml": head % "meta" + "Content-Type: text/html\n\n" + "<META>" * 200000,
+            "binhex.eml": head % "binhex flood" + "Content-Type: multipart/mixed; boundary=b\n\n"
+            "--b\nContent-Type: text/plain\n\nsee\n--b\nContent-Type: application/mac-binhex40; "
+            "name=x\nContent-Transfer-Encoding: mac-binhex40\n\n(This file must be converted "
+            "with BinHex 4.0)\n:" + "\n".join(hqx[i:i + 64] for i in range(0, len(hqx), 64)) +
+            ":\n--b--\n"}
+
+
+class Hostile(ScreenReaderCase):
+    # Catches: a view that reads /dev/zero or a pipe a message names (abort,
+    # hang), markup in an attachment name shown as a rich tool tip, page
+    # building quadratic in the body, BinHex expanded past its declared
+    # length, and mail links handed on with the files they ask to attach.
+    def test_every_hostile_message_opens_and_reads_no_file(self):
+        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                                     "QT_ACCESSIBILITY": "1"}, theme=False, theme_dir="Default")
+        self.addCleanup(s.close)
+        bait, bin_dir = os.path.join(s.tmp, "bait"), os.path.join(s.tmp, "bin")
+        os.makedirs(bait)
+        os.makedirs(bin_dir)
+        opened = os.path.join(s.tmp, "opened")
+        with open(os.path.join(bin_dir, "xdg-open"), "w") as f:
+            f.write('#!/bin/sh\necho "$@" >> %s\n' % opened)
+        os.chmod(os.path.join(bin_dir, "xdg-open"), 0o755)
+        s.env["PATH"] = bin_dir + os.pathsep + s.env["PATH"]
+        subprocess.run(["convert", "-size", "4x4", "xc:red", os.path.join(bait, "pic.png")],
+                       check=True)
+        fifo = os.path.join(bait, "fifo")
+        os.mkfifo(fifo)
+        messages = generated()
+        for name in os.listdir(CORPUS):
+            with open(os.path.join(CORPUS, name)) as f:
+                messages[name] = f.read().replace("@DIR@", bait)
+        for name, text in messages.items():
+            with open(os.path.join(s.tmp, name), "w") as f:
+                f.write(text)
+        subprocess.run([os.path.join(BUILD_DIR, "tests", "mirel_test_helper"), "store-received",
+                        s.program_dir, *(os.path.join(s.tmp, n) for n in messages)],
+                       check=True, timeout=120)
+
+        libc = ctypes.CDLL(None, use_errno=True)
+        watch = libc.inotify_init1(os.O_NONBLOCK)
+        self.assertGreaterEqual(libc.inotify_add_watch(watch, bait.encode(), 0x21), 0)
+        # A reader of the pipe gets an end instead of waiting for ever.
+        writer = threading.Thread(target=lambda: os.close(os.open(fifo, os.O_WRONLY)), daemon=True)
+        writer.start()
+        self.addCleanup(lambda: os.close(os.open(fifo, os.O_RDONLY | os.O_NONBLOCK)))
+        s.start()
+        self.press("EMAIL")
+        table = self.find("MLmessages", shown=True, timeout=20)
+        time.sleep(1.5)
+        rows = table.queryTable()
+        self.assertEqual(rows.nRows, len(messages))
+        for r in range(rows.nRows + 1):
+            for other in range(rows.nRows):
+                rows.removeRowSelection(other)
+            if r == rows.nRows:
+                break
+            rows.addRowSelection(r)
+            time.sleep(1.0)
+            icons = self.find("lvAttachments")
+            for icon in [n for n in walk(icons) if n is not icons and self.showing(n)]:
+                box = icon.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS)
+                x_input(s.display, move=(box.x + box.width // 2, box.y + box.height // 2))
+                time.sleep(1.5)  # the tool tip shows
+            self.assertIsNone(s.proc.poll(), "the program ended")
+
+        link = next(n for n in walk(table) if n.name == "a link that asks for a file")
+        rows.addRowSelection(rows.getRowAtIndex(link.getIndexInParent()))
+        time.sleep(1.0)
+        view = self.find("wbEmail", shown=True).queryComponent().getExtents(
+            self.pyatspi.DESKTOP_COORDS)
+        click(s.display, view.x + 60, view.y + 14)
+
+        deadline = time.time() + 10
+        while not os.path.exists(opened) and time.time() < deadline:
+            time.sleep(0.2)
+        with open(opened) as f:
+            self.assertEqual(f.read().strip(), "mailto:ann@example.org?subject=Hi&body=see")
+        with self.assertRaises(BlockingIOError, msg="a file a message names was opened"):
+            os.read(watch, 4096)
+        self.press("QUIT")
+        self.assertEqual(s.wait_exit(), 0)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
