@@ -68,12 +68,16 @@ IndexRow readIndex(SQLite::Statement& st) {
     r.to = SqliteDb::columnBytes(st, 4);
     r.attachments = st.getColumn(5).getInt();
     r.readed = qint16(st.getColumn(6).getInt());
-    r.realDate = parseRealDate(SqliteDb::columnBytes(st, 7));
+    if (st.getColumnCount() > 7)
+        r.realDate = parseRealDate(SqliteDb::columnBytes(st, 7));
     return r;
 }
 
-constexpr const char* kIndexColumns =
-    R"("ID", "Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")";
+// The list leaves the stored time out: it is ordered by it already, and
+// turning ten thousand of them into local times costs more than the rest.
+constexpr const char* kListColumns =
+    R"("ID", "Subject", "From", "Date", "To", "Attachments", "Readed")";
+const std::string kIndexColumns = std::string(kListColumns) + R"(, "RealDate")";
 
 void attach(SqliteDb& db, const QString& path, const char* alias) {
     if (!QFileInfo::exists(path))
@@ -438,7 +442,7 @@ std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
         SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
         db.run(
             [&](SQLite::Database& d) {
-                SQLite::Statement st(d, std::string("SELECT ") + kIndexColumns +
+                SQLite::Statement st(d, std::string("SELECT ") + kListColumns +
                                             R"( FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
                 while (st.executeStep())
                     rows.push_back(readIndex(st));

@@ -18,21 +18,20 @@ QString shown(const QByteArray& value) {
 
 } // namespace
 
-MessageListLine MessageListLine::parse(QByteArrayView view) {
-    const QByteArray line = view.toByteArray();
+MessageListLine MessageListLine::parse(QByteArrayView line) {
     MessageListLine l;
     QByteArray* fields[] = {&l.id, &l.readed, &l.attachments, &l.subject, &l.from, &l.date};
     qsizetype start = 0;
     for (QByteArray* field : fields) {
         const qsizetype tab = line.indexOf('\t', start);
         if (tab < 0) {
-            *field = line.mid(start);
+            *field = line.sliced(start).toByteArray();
             return l;
         }
-        *field = line.mid(start, tab - start);
+        *field = line.sliced(start, tab - start).toByteArray();
         start = tab + 1;
     }
-    l.to = line.mid(start);
+    l.to = line.sliced(start).toByteArray();
     return l;
 }
 
