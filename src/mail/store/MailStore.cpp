@@ -11,6 +11,7 @@
 #include <sqlite3.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -143,9 +144,13 @@ QList<QByteArray> MailStore::MailStoreStartup(IniHelpers& ini) {
         CreateAttachmentsDatabase(k);
     }
 
+    // Every start asks for the blank page; one that is whole already is not
+    // rewritten (and flushed to disk) again.
+    QFile current(blankPagePath());
+    const bool whole = current.open(QIODevice::ReadOnly) && current.readAll() == kBlankPage;
     const NewFileGuard fresh(blankPagePath());
     QSaveFile page(blankPagePath());
-    if (page.open(QIODevice::WriteOnly)) {
+    if (!whole && page.open(QIODevice::WriteOnly)) {
         page.write(kBlankPage);
         page.commit();
         fresh.done();
