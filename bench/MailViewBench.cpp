@@ -13,6 +13,8 @@
 
 #include <QTemporaryDir>
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <map>
+#include <memory>
 
 using namespace mirel;
 
@@ -34,15 +36,15 @@ struct World {
     MailStore store{dir.path(), clock, sink};
     qint32 htmlMessage = 0;
 
-    World() {
+    explicit World(int messages = kMessages) {
         store.MailStoreStartup(ini);
         // One transaction for the whole folder: storing message by message
         // would time the store, not the list.
         SqliteDb db(store.databasePath("0", QStringLiteral("index.mdb")), 3000);
-        db.run([](SQLite::Database& d) {
+        db.run([messages](SQLite::Database& d) {
             SQLite::Statement st(d, R"(INSERT INTO "Index" ("Subject", "From", "Date", "To",
                 "Attachments", "Readed", "RealDate") VALUES (?, ?, ?, ?, ?, ?, ?))");
-            for (int i = 0; i < kMessages; ++i) {
+            for (int i = 0; i < messages; ++i) {
                 const QByteArray n = QByteArray::number(i);
                 SqliteDb::bindBytes(
                     st, 1, i % 3 ? "Weekly report " + n : "=?utf-8?q?Gr=C3=BC=C3=9Fe_" + n + "?=");
@@ -78,8 +80,7 @@ World& world() {
     return w;
 }
 
-void BM_IndexScanFloor(benchmark::State& state) {
-    World& w = world();
+void scanIndex(benchmark::State& state, World& w) {
     for (auto _ : state) {
         SqliteDb db(w.store.databasePath("0", QStringLiteral("index.mdb")), 3000);
         qsizetype bytes = 0;
@@ -94,10 +95,8 @@ void BM_IndexScanFloor(benchmark::State& state) {
         benchmark::DoNotOptimize(bytes);
     }
 }
-BENCHMARK(BM_IndexScanFloor)->Unit(benchmark::kMillisecond);
 
-void BM_FillMessageList(benchmark::State& state) {
-    World& w = world();
+void fillList(benchmark::State& state, World& w) {
     for (auto _ : state) {
         QList<QStringList> rows;
         for (const IndexRow& row : w.store.FillMessageIndexList("0"))
@@ -105,8 +104,47 @@ void BM_FillMessageList(benchmark::State& state) {
         benchmark::DoNotOptimize(rows);
     }
 }
+
+void BM_IndexScanFloor(benchmark::State& state) {
+    scanIndex(state, world());
+}
+BENCHMARK(BM_IndexScanFloor)->Unit(benchmark::kMillisecond);
+
+void BM_FillMessageList(benchmark::State& state) {
+    fillList(state, world());
+}
 BENCHMARK(BM_FillMessageList)->Unit(benchmark::kMillisecond);
 MIREL_BOUND(BM_FillMessageList, BM_IndexScanFloor, 2);
+
+// Growth: the list of 1,000, 10,000 and 50,000 messages. The cost per
+// message (items per second) stays flat when filling is linear.
+World& sizedWorld(int messages) {
+    static std::map<int, std::unique_ptr<World>> worlds;
+    auto& w = worlds[messages];
+    if (!w)
+        w = std::make_unique<World>(messages);
+    return *w;
+}
+
+void BM_ListSweep(benchmark::State& state, int messages) {
+    fillList(state, sizedWorld(messages));
+    state.SetItemsProcessed(state.iterations() * messages);
+}
+
+void BM_ListSweepScanFloor(benchmark::State& state, int messages) {
+    scanIndex(state, sizedWorld(messages));
+    state.SetItemsProcessed(state.iterations() * messages);
+}
+
+BENCHMARK_CAPTURE(BM_ListSweep, 1k, 1000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ListSweepScanFloor, 1k, 1000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ListSweep, 10k, 10000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ListSweepScanFloor, 10k, 10000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ListSweep, 50k, 50000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ListSweepScanFloor, 50k, 50000)->Unit(benchmark::kMillisecond);
+const int kSweepFloors[] = {bench::registerFloor("BM_ListSweep/1k", "BM_ListSweepScanFloor/1k"),
+                            bench::registerFloor("BM_ListSweep/10k", "BM_ListSweepScanFloor/10k"),
+                            bench::registerFloor("BM_ListSweep/50k", "BM_ListSweepScanFloor/50k")};
 
 void BM_ReadMessageRowFloor(benchmark::State& state) {
     World& w = world();
