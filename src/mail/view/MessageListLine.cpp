@@ -57,13 +57,12 @@ QByteArray MessageListLine::markedRead(QByteArrayView view) {
     return line.left(first + 1) + '1' + line.mid(end);
 }
 
-QByteArray MessageListLine::displayName(QByteArrayView view) {
-    const QByteArray address = view.toByteArray();
+QByteArray MessageListLine::displayName(QByteArrayView address) {
     if (!address.startsWith('"'))
-        return address;
+        return address.toByteArray();
     const qsizetype close = address.indexOf('"', 1);
     // An unclosed quote: the rest of the text is the name.
-    return close < 0 ? address.mid(1) : address.mid(1, close - 1);
+    return (close < 0 ? address.sliced(1) : address.sliced(1, close - 1)).toByteArray();
 }
 
 QStringList MessageListLine::columns() const {
