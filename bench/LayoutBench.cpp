@@ -15,6 +15,9 @@
 #include <QFile>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -131,7 +134,68 @@ void BM_PlainWidgetsFloor(benchmark::State& state) {
 }
 BENCHMARK(BM_PlainWidgetsFloor)->Unit(benchmark::kMillisecond);
 
+// The same controls as the busy screen, made directly: a button, a picture,
+// a text box, a caption and a list per five lines, with their colours and
+// fonts. Sixty labels leave out what a list box alone costs the toolkit
+// (its model, view and scroll bars), so this floor shows what the skin
+// itself adds: reading, parsing and placing the lines.
+void BM_SameWidgetsFloor(benchmark::State& state) {
+    fixture();
+    QWidget host;
+    host.resize(1024, 768);
+    QPixmap pic(40, 20);
+    pic.fill(Qt::darkBlue);
+    QPalette pal = host.palette();
+    pal.setColor(QPalette::Base, Qt::white);
+    pal.setColor(QPalette::Text, Qt::black);
+    QFont font = host.font();
+    font.setFamily(QStringLiteral("Sans"));
+    font.setPointSize(9);
+    for (auto _ : state) {
+        std::vector<QWidget*> made;
+        for (int i = 1; i <= kControls; ++i) {
+            QWidget* w = nullptr;
+            switch (i % 5) {
+            case 0: {
+                auto* b = new QPushButton(&host);
+                b->setIcon(pic);
+                w = b;
+                break;
+            }
+            case 1: {
+                auto* l = new QLabel(&host);
+                l->setPixmap(pic);
+                w = l;
+                break;
+            }
+            case 2:
+                w = new QLineEdit(&host);
+                break;
+            case 3:
+                w = new QLabel(QStringLiteral("Caption %1").arg(i), &host);
+                break;
+            default:
+                w = new QListWidget(&host);
+                break;
+            }
+            if (i % 5 >= 2) { // the skin colours texts, captions and lists
+                w->setPalette(pal);
+                w->setFont(font);
+            }
+            w->setGeometry(i * 12, 10 + 30 * (i % 5), 80, 20);
+            w->show();
+            made.push_back(w);
+        }
+        for (auto it = made.rbegin(); it != made.rend(); ++it)
+            delete *it;
+        settle();
+    }
+    state.SetItemsProcessed(state.iterations() * kControls);
+}
+BENCHMARK(BM_SameWidgetsFloor)->Unit(benchmark::kMillisecond);
+
 } // namespace
 
 MIREL_BOUND(BM_LayoutBusyScreen, BM_PlainWidgetsFloor, 3);
+MIREL_BOUND(BM_LayoutBusyScreen, BM_SameWidgetsFloor, 3);
 MIREL_FLOOR(BM_ReadSectionLines, BM_PlainWidgetsFloor);

@@ -6,8 +6,16 @@
 namespace mirel {
 
 void MailboxPoller::reset() {
-    m_store.SaveSetting(kFamilyApp, kExitSection, kExitKey, "0");
-    m_store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, "");
+    // Each start clears the mailbox; a settings file that is clear already
+    // is left alone rather than rewritten and flushed to disk twice.
+    const auto clear = [this](const QByteArray& section, const QByteArray& key,
+                              const QByteArray& value) {
+        const QByteArray absent("\n"); // no stored value holds a line break
+        if (m_store.GetSetting(kFamilyApp, section, key, absent) != value)
+            m_store.SaveSetting(kFamilyApp, section, key, value);
+    };
+    clear(kExitSection, kExitKey, "0");
+    clear(kVoiceSection, kVoiceKey, "");
 }
 
 MailboxPoller::Outcome MailboxPoller::poll(bool ready, const Buttons& buttons) {

@@ -13,6 +13,7 @@
 #include "ui/AnimatedPicture.h"
 #include "ui/SkinButton.h"
 #include "ui/SkinHost.h"
+#include "ui/ThemePictures.h"
 
 #include <QCheckBox>
 #include <QEventLoop>
@@ -284,7 +285,7 @@ void LayoutEngine::placeLine(SkinHost& host, const ControlLine& line, int keyNum
         } else {
             path = m_ctx.folders.themeFile(Cp1252::toUnicode(line.name));
         }
-        p->setPixmap(QPixmap(path));
+        p->setPixmap(ThemePictures::get(path));
         p->setScaledContents(true);
         // Clicks pass through to what lies beneath, as for a disabled picture
         // (without the greyed look).
@@ -451,7 +452,8 @@ void LayoutEngine::layoutSpecial(SkinHost& host, const ControlLine& line) {
     if (key.startsWith("emailbut")) {
         w->setGeometry(placeControl(line, size, 4));
         if (auto* b = qobject_cast<QPushButton*>(w)) {
-            const QPixmap pic(m_ctx.folders.themeFile(Cp1252::toUnicode(line.field(3))));
+            const QPixmap pic =
+                ThemePictures::get(m_ctx.folders.themeFile(Cp1252::toUnicode(line.field(3))));
             b->setIcon(pic);
             b->setIconSize(w->size());
         }

@@ -1,6 +1,7 @@
 #include "ui/SkinButton.h"
 
 #include "skin/SkinState.h"
+#include "ui/ThemePictures.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -23,7 +24,7 @@ void SkinButton::keyPressEvent(QKeyEvent* event) {
 
 void SkinButton::setPicture(const QString& path) {
     m_path = path;
-    m_normal = QPixmap(path);
+    m_normal = ThemePictures::get(path);
     // The lit picture is loaded on first need: most buttons are never lit
     // during a short screen visit, and a missing one must not cost a disk
     // probe per button while a screen builds up.
@@ -34,7 +35,7 @@ void SkinButton::setPicture(const QString& path) {
 
 void SkinButton::setLit(bool lit) {
     if (lit && !m_litLoaded) {
-        m_lit = QPixmap(SkinState::litPicture(m_path));
+        m_lit = ThemePictures::get(SkinState::litPicture(m_path));
         m_litLoaded = true;
     }
     if (m_litShown != lit) {

@@ -11,6 +11,7 @@
 #include <sqlite3.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -68,12 +69,16 @@ IndexRow readIndex(SQLite::Statement& st) {
     r.to = SqliteDb::columnBytes(st, 4);
     r.attachments = st.getColumn(5).getInt();
     r.readed = qint16(st.getColumn(6).getInt());
-    r.realDate = parseRealDate(SqliteDb::columnBytes(st, 7));
+    if (st.getColumnCount() > 7)
+        r.realDate = parseRealDate(SqliteDb::columnBytes(st, 7));
     return r;
 }
 
-constexpr const char* kIndexColumns =
-    R"("ID", "Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")";
+// The list leaves the stored time out: it is ordered by it already, and
+// turning ten thousand of them into local times costs more than the rest.
+constexpr const char* kListColumns =
+    R"("ID", "Subject", "From", "Date", "To", "Attachments", "Readed")";
+const std::string kIndexColumns = std::string(kListColumns) + R"(, "RealDate")";
 
 void attach(SqliteDb& db, const QString& path, const char* alias) {
     if (!QFileInfo::exists(path))
@@ -139,9 +144,13 @@ QList<QByteArray> MailStore::MailStoreStartup(IniHelpers& ini) {
         CreateAttachmentsDatabase(k);
     }
 
+    // Every start asks for the blank page; one that is whole already is not
+    // rewritten (and flushed to disk) again.
+    QFile current(blankPagePath());
+    const bool whole = current.open(QIODevice::ReadOnly) && current.readAll() == kBlankPage;
     const NewFileGuard fresh(blankPagePath());
     QSaveFile page(blankPagePath());
-    if (page.open(QIODevice::WriteOnly)) {
+    if (!whole && page.open(QIODevice::WriteOnly)) {
         page.write(kBlankPage);
         page.commit();
         fresh.done();
@@ -438,7 +447,7 @@ std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
         SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
         db.run(
             [&](SQLite::Database& d) {
-                SQLite::Statement st(d, std::string("SELECT ") + kIndexColumns +
+                SQLite::Statement st(d, std::string("SELECT ") + kListColumns +
                                             R"( FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
                 while (st.executeStep())
                     rows.push_back(readIndex(st));

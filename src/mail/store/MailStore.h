@@ -114,7 +114,8 @@ public:
     std::optional<qint32> MoveMessage(QByteArrayView from, QByteArrayView to, qint32 id);
 
     /// The index rows of a folder, most recently stored first (rows stored
-    /// in the same second: the later one first). Empty on failure.
+    /// in the same second: the later one first). Their realDate is left
+    /// unset. Empty on failure.
     std::vector<IndexRow> FillMessageIndexList(QByteArrayView folder);
     /// "From|ID" per message of the outbox, in stored order.
     QList<QByteArray> FillOutboxList();

@@ -18,21 +18,20 @@ QString shown(const QByteArray& value) {
 
 } // namespace
 
-MessageListLine MessageListLine::parse(QByteArrayView view) {
-    const QByteArray line = view.toByteArray();
+MessageListLine MessageListLine::parse(QByteArrayView line) {
     MessageListLine l;
     QByteArray* fields[] = {&l.id, &l.readed, &l.attachments, &l.subject, &l.from, &l.date};
     qsizetype start = 0;
     for (QByteArray* field : fields) {
         const qsizetype tab = line.indexOf('\t', start);
         if (tab < 0) {
-            *field = line.mid(start);
+            *field = line.sliced(start).toByteArray();
             return l;
         }
-        *field = line.mid(start, tab - start);
+        *field = line.sliced(start, tab - start).toByteArray();
         start = tab + 1;
     }
-    l.to = line.mid(start);
+    l.to = line.sliced(start).toByteArray();
     return l;
 }
 
@@ -58,13 +57,12 @@ QByteArray MessageListLine::markedRead(QByteArrayView view) {
     return line.left(first + 1) + '1' + line.mid(end);
 }
 
-QByteArray MessageListLine::displayName(QByteArrayView view) {
-    const QByteArray address = view.toByteArray();
+QByteArray MessageListLine::displayName(QByteArrayView address) {
     if (!address.startsWith('"'))
-        return address;
+        return address.toByteArray();
     const qsizetype close = address.indexOf('"', 1);
     // An unclosed quote: the rest of the text is the name.
-    return close < 0 ? address.mid(1) : address.mid(1, close - 1);
+    return (close < 0 ? address.sliced(1) : address.sliced(1, close - 1)).toByteArray();
 }
 
 QStringList MessageListLine::columns() const {

@@ -3,6 +3,8 @@
 #include "mail/mime/MailDisplayText.h"
 
 #include <cctype>
+#include <cstring>
+#include <vector>
 
 namespace mirel {
 
@@ -20,14 +22,67 @@ qsizetype tagEnd(const QByteArray& page, qsizetype from) {
     return close < 0 ? page.size() : close;
 }
 
+char asciiUpper(char c) {
+    return c >= 'a' && c <= 'z' ? char(c - 32) : c;
+}
+
+bool isAsciiLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool matchesNoCase(const char* at, QByteArrayView upper) {
+    for (qsizetype k = 0; k < upper.size(); ++k)
+        if (asciiUpper(at[k]) != upper[k])
+            return false;
+    return true;
+}
+
+// Where `upper` (upper-case ASCII) first stands at or after `from` in any
+// letter case, as in an upper-cased copy of the page. The C library looks
+// for a mark of the needle that has no case ("<", ":", "="), so a page is
+// searched where it is, neither copied nor walked byte by byte.
+qsizetype indexOfNoCase(QByteArrayView page, QByteArrayView upper, qsizetype from = 0) {
+    qsizetype mark = 0;
+    while (mark < upper.size() && isAsciiLetter(upper[mark]))
+        ++mark;
+    const qsizetype last = page.size() - upper.size();
+    for (qsizetype i = qMax<qsizetype>(from, 0); i <= last; ++i) {
+        if (mark < upper.size()) {
+            const void* hit = memchr(page.data() + i + mark, upper[mark], size_t(last - i + 1));
+            if (!hit)
+                return -1;
+            i = static_cast<const char*>(hit) - page.data() - mark;
+        }
+        if (matchesNoCase(page.data() + i, upper))
+            return i;
+    }
+    return -1;
+}
+
+// Whether the page holds `upper` anywhere: from the back, where an end tag
+// normally stands.
+bool containsNoCase(QByteArrayView page, QByteArrayView upper) {
+    const char mark = upper.front(); // the needles asked about start with "<"
+    for (qsizetype end = page.size() - upper.size() + 1; end > 0;) {
+        const void* hit = memrchr(page.data(), mark, size_t(end));
+        if (!hit)
+            return false;
+        const qsizetype i = static_cast<const char*>(hit) - page.data();
+        if (matchesNoCase(page.data() + i, upper))
+            return true;
+        end = i;
+    }
+    return false;
+}
+
 // The first match at or after a position that only moves forward. A page of
 // a million tags would otherwise be searched to its end once per tag.
 class ForwardSearch {
 public:
-    ForwardSearch(const QByteArray& page, QByteArrayView what) : m_page(page), m_what(what) {}
+    ForwardSearch(QByteArrayView page, QByteArrayView upper) : m_page(page), m_what(upper) {}
     qsizetype from(qsizetype at) {
         if (m_found == -2 || (m_found != -1 && m_found < at))
-            m_found = m_page.indexOf(m_what, at);
+            m_found = indexOfNoCase(m_page, m_what, at);
         return m_found;
     }
     // Where the tag opened at `at` ends: its ">" or the end of the page.
@@ -37,7 +92,7 @@ public:
     }
 
 private:
-    const QByteArray& m_page;
+    QByteArrayView m_page;
     QByteArrayView m_what;
     qsizetype m_found = -2; // not searched yet
 };
@@ -64,12 +119,12 @@ bool isDark(const QByteArray& upperTag) {
 
 // Black FONT colours after the body tag would vanish on the black page.
 void whitenBlackFonts(QByteArray& page, qsizetype from) {
-    const QByteArray upper = page.toUpper(); // colours are replaced in place, length kept
-    ForwardSearch closes(upper, ">"), hashes(upper, "#");
+    std::vector<qsizetype> black; // replaced afterwards: the searches read the page as it was
+    ForwardSearch closes(page, ">"), hashes(page, "#");
     for (;;) {
-        const qsizetype open = upper.indexOf("<FONT", from);
+        const qsizetype open = indexOfNoCase(page, "<FONT", from);
         if (open < 0)
-            return;
+            break;
         const qsizetype end = closes.tagEnd(open);
         const qsizetype hash = hashes.from(open);
         // A colour written shorter than six digits is left alone: its six
@@ -77,12 +132,14 @@ void whitenBlackFonts(QByteArray& page, qsizetype from) {
         if (hash > open && hash + 6 < end) {
             int value = 0;
             for (int i = 1; i <= 6; ++i)
-                value = value * 16 + hexDigit(page[hash + i]);
+                value = value * 16 + hexDigit(page.at(hash + i));
             if (value == 0)
-                page.replace(hash + 1, 6, "FFFFFF");
+                black.push_back(hash);
         }
         from = open + 5;
     }
+    for (qsizetype hash : black)
+        page.replace(hash + 1, 6, "FFFFFF");
 }
 
 } // namespace
@@ -165,7 +222,7 @@ QByteArray MessagePage::linkAddresses(QByteArray page) {
 
 QByteArray MessagePage::fromHtml(QByteArrayView html) {
     QByteArray page = html.toByteArray();
-    const qsizetype body = page.toUpper().indexOf("<BODY");
+    const qsizetype body = indexOfNoCase(page, "<BODY");
     // A page that begins with its body tag, or has none, keeps its own head
     // and colours.
     if (body > 0) {
@@ -181,15 +238,14 @@ QByteArray MessagePage::fromHtml(QByteArrayView html) {
 }
 
 QByteArray MessagePage::repairEndTag(QByteArray page) {
-    const QByteArray upper = page.toUpper();
-    if (upper.contains("</HTML>"))
+    if (containsNoCase(page, "</HTML>"))
         return page;
     static const struct {
         const char* cut;
         const char* rest;
     } kCuts[] = {{"</HTML", ">"}, {"</HTM", "L>"}, {"</HT", "ML>"}};
     for (const auto& c : kCuts) {
-        const qsizetype at = upper.indexOf(c.cut);
+        const qsizetype at = indexOfNoCase(page, c.cut);
         if (at >= 0)
             return page.insert(at + qsizetype(qstrlen(c.cut)), c.rest);
     }
@@ -197,11 +253,10 @@ QByteArray MessagePage::repairEndTag(QByteArray page) {
 }
 
 QByteArray MessagePage::displayCharset(QByteArrayView pageView, QByteArrayView headers) {
-    const QByteArray page = pageView.toByteArray();
-    const QByteArray upper = page.toUpper();
-    ForwardSearch closes(upper, ">"), charsets(upper, "CHARSET=");
-    for (qsizetype meta = upper.indexOf("<META"); meta >= 0;
-         meta = upper.indexOf("<META", meta + 5)) {
+    const QByteArrayView page = pageView;
+    ForwardSearch closes(page, ">"), charsets(page, "CHARSET=");
+    for (qsizetype meta = indexOfNoCase(page, "<META"); meta >= 0;
+         meta = indexOfNoCase(page, "<META", meta + 5)) {
         const qsizetype end = closes.tagEnd(meta);
         const qsizetype at = charsets.from(meta);
         if (at < 0 || at > end)
@@ -219,7 +274,7 @@ QByteArray MessagePage::displayCharset(QByteArrayView pageView, QByteArrayView h
                               page[stop] == '_' || page[stop] == ':' || page[stop] == '.'))
             ++stop;
         if (stop > start)
-            return page.mid(start, stop - start).toLower();
+            return page.sliced(start, stop - start).toByteArray().toLower();
     }
     // The message's own Content-Type, with its folded continuation lines.
     const QByteArray h = headers.toByteArray();

@@ -1,14 +1,49 @@
 #include "mail/view/MessageView.h"
 
-#include "platform/PrivateFiles.h"
 #include "mail/store/BodyCharsets.h"
 #include "mail/store/MailStore.h"
 #include "mail/view/MessagePage.h"
 
-#include <QSaveFile>
+#include <QFile>
 #include <QUrlQuery>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mirel {
+namespace {
+
+// The page is scratch, rebuilt from the store whenever a message opens: it
+// must never be seen half written, but it need not survive a power cut, so
+// it is replaced in one rename without waiting for the disk. A new page is
+// the owner's alone; one that exists keeps the mode it has. One program runs
+// per user, so the part file's name needs no uniqueness of its own.
+void writeScratchPage(const QString& path, const QByteArray& page) {
+    const QByteArray target = QFile::encodeName(path);
+    const QByteArray part = target + ".part";
+    struct stat existing {};
+    const mode_t mode =
+        ::stat(target.constData(), &existing) == 0 ? existing.st_mode & 07777 : 0600;
+    ::unlink(part.constData()); // a leftover may belong to someone else or be a link
+    const int fd = ::open(part.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd < 0)
+        return;
+    const QByteArray body = page + "\r\n";
+    bool ok = ::fchmod(fd, mode) == 0;
+    for (qsizetype done = 0; ok && done < body.size();) {
+        const ssize_t n = ::write(fd, body.constData() + done, size_t(body.size() - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        ok = n > 0;
+        done += n;
+    }
+    ok = ::close(fd) == 0 && ok;
+    if (!ok || ::rename(part.constData(), target.constData()) != 0)
+        ::unlink(part.constData());
+}
+
+} // namespace
 
 MessageView::MessageView(MailStore& store) : m_store(store) {}
 
@@ -38,7 +73,8 @@ const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
         m.page = row->html;
     }
     if (const auto index = m_store.readIndexRow(folder, id)) {
-        m_store.setReaded(folder, id, 1);
+        if (index->readed != 1) // opening a read message again writes nothing
+            m_store.setReaded(folder, id, 1);
         m.from = index->from;
         m.to = index->to;
         m.subject = index->subject;
@@ -58,13 +94,7 @@ const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
     m.textCharset = declared.text.isEmpty() ? m.charset : declared.text;
     m.page = MessagePage::build(m.text, m.page);
 
-    const NewFileGuard fresh(pagePath()); // the message's text
-    QSaveFile file(pagePath());
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(m.page + "\r\n");
-        file.commit();
-        fresh.done();
-    }
+    writeScratchPage(pagePath(), m.page);
 
     m.summary += m.text + "\r\n\r\n";
     if (m.attachments > 0) {
