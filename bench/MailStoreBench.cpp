@@ -1,7 +1,8 @@
 // Receiving mail into the store: 10,000 messages of mixed size (plain
 // notes, alternatives, messages with attachments of a few to a hundred
 // kilobytes) stored into folder "0" on the disk, grouped as a receiving
-// session groups them (a commit and a record sync per group), beside GMime
+// session groups them (a commit and a record sync per group: per second or
+// per ReceivedMessageStore::kGroupMessages), beside GMime
 // parsing the same messages without storing (the floor); then 1,000 and
 // 50,000 of them (the mix repeated under new IDs) to show the cost per
 // message does not grow with the count. Then filling the list of a
@@ -15,6 +16,7 @@
 #include "settings/IniHelpers.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <SQLiteCpp/Database.h>
@@ -27,7 +29,6 @@ using namespace mirel;
 namespace {
 
 constexpr int kMessages = 10000;
-constexpr int kGroup = 200; // as a receiving session commits
 
 using bench::NullSink;
 
@@ -118,17 +119,25 @@ struct Store {
     ReceivedMessageStore received{store, duplicates};
     int stored = 0;
 
-    // Beyond the mix, its messages again under new IDs.
+    // Beyond the mix, its messages again under new IDs. Committed by the
+    // rule a receiving session follows.
     void fill(int count) {
         received.setGrouped(true);
+        QElapsedTimer sinceCommit;
+        sinceCommit.start();
+        int group = 0;
         for (int i = 0; i < count; ++i) {
             const QByteArray& m = messages()[size_t(i % kMessages)];
             stored += received.StoreReceivedMessage(
                 i < kMessages ? m
                               : QByteArray(m).replace(".bench@", "." + QByteArray::number(i) + "@"),
                 "0");
-            if (i % kGroup == kGroup - 1)
+            if (++group >= ReceivedMessageStore::kGroupMessages ||
+                sinceCommit.elapsed() > ReceivedMessageStore::kGroupMs) {
                 received.commit();
+                group = 0;
+                sinceCommit.start();
+            }
         }
         received.commit();
     }
