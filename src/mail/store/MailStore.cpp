@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <limits>
 
 namespace mirel {
 namespace {
@@ -245,7 +246,9 @@ struct MailStore::Writer::Prepared {
     QString indexFile, dataFile, attachmentsFile;
     SQLite::Statement savepoint, release, rollbackTo;
     SQLite::Statement index, body, attachment;
-    std::unique_ptr<SQLite::Statement> charsets; // made on first use
+    std::unique_ptr<SQLite::Statement> charsets;         // made on first use
+    qint64 stamped = std::numeric_limits<qint64>::min(); // the second last written
+    std::string stamp;
 };
 
 MailStore::Writer::Writer(MailStore& store, QByteArrayView folder)
@@ -336,7 +339,13 @@ qint32 MailStore::Writer::insertMessage(const NewIndexFields& fields, const Mess
             p.index.bind(column);
     }
     p.index.bind(5, count);
-    p.index.bind(6, m_store.m_clock.now().toString(QLatin1String(kRealDateFormat)).toStdString());
+    // Messages of one group mostly share their second: formatted once.
+    const QDateTime now = m_store.m_clock.now();
+    if (const qint64 second = now.toSecsSinceEpoch(); second != p.stamped || !now.isValid()) {
+        p.stamped = second;
+        p.stamp = now.toString(QLatin1String(kRealDateFormat)).toStdString();
+    }
+    p.index.bind(6, p.stamp);
     p.index.exec();
     const qint32 id = qint32(d.getLastInsertRowid());
 
