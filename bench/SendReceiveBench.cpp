@@ -83,6 +83,8 @@ void runSessions(benchmark::State& state, bool inMemory) {
         MailStore store(dir.path(), clock, sink);
         store.MailStoreStartup(ini);
         SendReceiveRunner runner(store, ini, clock, EmailAccountList({account()}), {});
+        // The local server offers no TLS: allowed here as a user would allow it.
+        runner.setServerTuning([](MailServer& s) { s.plaintextAllowed = true; });
         int stored = 0;
         QObject::connect(&runner, &SendReceiveRunner::statusLine,
                          [&](const QByteArray& l) { stored += l.contains("(") ? 1 : 0; });
@@ -91,10 +93,14 @@ void runSessions(benchmark::State& state, bool inMemory) {
         state.ResumeTiming();
         runner.open();
         loop.exec();
-        state.PauseTiming();
-        if (stored != kMessages)
-            state.SkipWithError("not every message was stored");
-        state.ResumeTiming();
+        if (stored != kMessages) {
+            // Skipped outside a pause: the library refuses to resume a
+            // skipped run.
+            static std::string why;
+            why = "stored " + std::to_string(stored) + " of " + std::to_string(kMessages);
+            state.SkipWithError(why.c_str());
+            break;
+        }
     }
     state.SetItemsProcessed(state.iterations() * kMessages);
 }

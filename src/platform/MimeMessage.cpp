@@ -31,6 +31,18 @@ QByteArray rawHeader(GMimeObject* obj, const char* name) {
 }
 
 QByteArray streamBytes(GMimeStream* stream) {
+    // A part of a message parsed from memory is a window on the parser's
+    // buffer: its bytes are copied out once rather than streamed through a
+    // second buffer.
+    if (const GByteArray* buffer =
+            GMIME_IS_STREAM_MEM(stream) ? GMIME_STREAM_MEM(stream)->buffer : nullptr) {
+        const gint64 start = stream->bound_start;
+        const gint64 end = stream->bound_end < 0 ? gint64(buffer->len)
+                                                 : std::min(stream->bound_end, gint64(buffer->len));
+        if (start >= 0 && start <= end)
+            return QByteArray(reinterpret_cast<const char*>(buffer->data) + start,
+                              qsizetype(end - start));
+    }
     GPtr<GMimeStream> mem(g_mime_stream_mem_new());
     g_mime_stream_reset(stream);
     g_mime_stream_write_to_stream(stream, mem.get());

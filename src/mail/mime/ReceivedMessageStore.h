@@ -41,6 +41,14 @@ class ReceivedMessageStore {
 public:
     enum class Result { Stored, Duplicate, Failed };
 
+    /// A receiving session commits its group after this many messages, or
+    /// once this long has passed since its last commit. A commit costs a
+    /// dozen syncs across the three files, so it is paid per second rather
+    /// than per few hundred messages; the time keeps the window's own writes
+    /// to the folder (marking a message read) from waiting long.
+    static constexpr int kGroupMessages = 2000;
+    static constexpr qint64 kGroupMs = 1000;
+
     ReceivedMessageStore(MailStore& store, DuplicateDetector& duplicates);
     /// Commits what is stored and not yet committed.
     ~ReceivedMessageStore();

@@ -14,13 +14,19 @@ QString dataFile(const MailStore& store, QByteArrayView folder) {
 
 } // namespace
 
-void BodyCharsets::write(SQLite::Database& d, qint32 id, const BodyCharsets& charsets) {
+void BodyCharsets::write(SQLite::Database& d, std::unique_ptr<SQLite::Statement>& insert, qint32 id,
+                         const BodyCharsets& charsets) {
     if (charsets.empty())
         return;
-    d.exec(R"(CREATE TABLE IF NOT EXISTS data."BodyCharset" ("ID" INTEGER PRIMARY KEY NOT NULL,
+    if (!insert) {
+        d.exec(R"(CREATE TABLE IF NOT EXISTS data."BodyCharset" ("ID" INTEGER PRIMARY KEY NOT NULL,
               "Text" BLOB, "Html" BLOB))");
-    SQLite::Statement st(
-        d, R"(INSERT OR REPLACE INTO data."BodyCharset" ("ID", "Text", "Html") VALUES (?, ?, ?))");
+        insert = std::make_unique<SQLite::Statement>(
+            d,
+            R"(INSERT OR REPLACE INTO data."BodyCharset" ("ID", "Text", "Html") VALUES (?, ?, ?))");
+    }
+    SQLite::Statement& st = *insert;
+    st.reset();
     st.bind(1, id);
     SqliteDb::bindBytesOrNull(st, 2, charsets.text);
     SqliteDb::bindBytesOrNull(st, 3, charsets.html);

@@ -7,10 +7,12 @@
 // moved) reads as it always did.
 #include <QByteArray>
 #include <QString>
+#include <memory>
 
 namespace SQLite {
 class Database;
-}
+class Statement;
+} // namespace SQLite
 
 namespace mirel {
 
@@ -22,8 +24,12 @@ struct BodyCharsets {
     bool empty() const { return text.isEmpty() && html.isEmpty(); }
 
     /// Written in the transaction that writes the message row, on the
-    /// connection that has the folder's data file attached as "data".
-    static void write(SQLite::Database& d, qint32 id, const BodyCharsets& charsets);
+    /// connection that has the folder's data file attached as "data". The
+    /// statement is made on the first message that declares a charset (the
+    /// table appears then, not before) and kept for the rest of the
+    /// transaction.
+    static void write(SQLite::Database& d, std::unique_ptr<SQLite::Statement>& insert, qint32 id,
+                      const BodyCharsets& charsets);
     static BodyCharsets read(const MailStore& store, QByteArrayView folder, qint32 id);
 };
 

@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <limits>
 
 namespace mirel {
 namespace {
@@ -26,11 +27,17 @@ constexpr const char* kIndexSchema =
          "Subject" VARCHAR(255), "From" VARCHAR(255), "Date" VARCHAR(255), "To" VARCHAR(255),
          "Attachments" INTEGER DEFAULT 0, "Readed" SMALLINT DEFAULT 0, "RealDate" DATETIME);
        CREATE INDEX "RealDate" ON "Index" ("RealDate");)";
+// Bodies and attachments are large values stored as chains of overflow
+// pages: bigger pages mean fewer of them to allocate, link and write. Set
+// before the table is made, so it holds for files made from now on; files
+// made before keep theirs, which SQLite reads just the same.
 constexpr const char* kDataSchema =
-    R"(CREATE TABLE "Message" ("ID" INTEGER PRIMARY KEY NOT NULL,
+    R"(PRAGMA page_size = 16384;
+       CREATE TABLE "Message" ("ID" INTEGER PRIMARY KEY NOT NULL,
          "Text" BLOB, "Html" BLOB, "Headers" BLOB);)";
 constexpr const char* kAttachmentsSchema =
-    R"(CREATE TABLE "Attachments" ("ID" INTEGER NOT NULL, "Filename" VARCHAR(255), "Data" BLOB);
+    R"(PRAGMA page_size = 65536;
+       CREATE TABLE "Attachments" ("ID" INTEGER NOT NULL, "Filename" VARCHAR(255), "Data" BLOB);
        CREATE INDEX "ID" ON "Attachments" ("ID");)";
 
 const QString kIndexFile = QStringLiteral("index.mdb");
@@ -205,35 +212,6 @@ template <typename Fn> bool MailStore::guarded(QByteArrayView folder, Fn&& fn) {
     return false;
 }
 
-qint32 MailStore::insertIndexRow(SQLite::Database& d, const IndexRow& row,
-                                 const NewIndexFields& fields) {
-    QByteArray columns = R"("Attachments", "Readed", "RealDate")";
-    QByteArray values = "?, ?, ?";
-    const std::pair<const char*, const std::optional<QByteArray>*> named[] = {
-        {R"("Subject")", &fields.subject},
-        {R"("From")", &fields.from},
-        {R"("Date")", &fields.date},
-        {R"("To")", &fields.to}};
-    std::vector<QByteArray> cut;
-    cut.reserve(4);
-    for (const auto& [name, value] : named) {
-        if (!value->has_value())
-            continue;
-        columns += QByteArray(", ") + name;
-        values += ", ?";
-        cut.push_back(fieldText(**value));
-    }
-    SQLite::Statement st(
-        d, ("INSERT INTO main.\"Index\" (" + columns + ") VALUES (" + values + ")").toStdString());
-    st.bind(1, row.attachments);
-    st.bind(2, int(row.readed));
-    st.bind(3, row.realDate.toString(QLatin1String(kRealDateFormat)).toStdString());
-    for (size_t i = 0; i < cut.size(); ++i)
-        SqliteDb::bindBytes(st, int(4 + i), cut[i]);
-    st.exec();
-    return qint32(d.getLastInsertRowid());
-}
-
 std::unique_ptr<SqliteDb> MailStore::openFolder(QByteArrayView folder) {
     auto db = std::make_unique<SqliteDb>(databasePath(folder, kIndexFile), m_busyTimeoutMs);
     attach(*db, databasePath(folder, kDataFile), "data");
@@ -249,6 +227,39 @@ std::optional<qint32> MailStore::createMessage(QByteArrayView folder, const NewI
     return id && writer.commit() ? id : std::nullopt;
 }
 
+// What a transaction of the Writer runs again and again, prepared once.
+// An absent index field is bound as NULL, which is what leaving it out
+// writes: none of the four has a default.
+struct MailStore::Writer::Prepared {
+    Prepared(SQLite::Database& d, MailStore& store, QByteArrayView folder)
+        : indexFile(store.databasePath(folder, kIndexFile)),
+          dataFile(store.databasePath(folder, kDataFile)),
+          attachmentsFile(store.databasePath(folder, kAttachmentsFile)),
+          savepoint(d, "SAVEPOINT message"), release(d, "RELEASE message"),
+          rollbackTo(d, "ROLLBACK TO message"),
+          index(
+              d,
+              R"(INSERT INTO main."Index" ("Subject", "From", "Date", "To", "Attachments", "Readed", "RealDate")
+                 VALUES (?, ?, ?, ?, ?, 0, ?))"),
+          body(
+              d,
+              R"(INSERT OR REPLACE INTO data."Message" ("ID", "Text", "Html", "Headers") VALUES (?, ?, ?, ?))"),
+          attachment(
+              d, R"(INSERT INTO att."Attachments" ("ID", "Filename", "Data") VALUES (?, ?, ?))") {}
+
+    static void run(SQLite::Statement& st) {
+        st.reset();
+        st.exec();
+    }
+
+    QString indexFile, dataFile, attachmentsFile;
+    SQLite::Statement savepoint, release, rollbackTo;
+    SQLite::Statement index, body, attachment;
+    std::unique_ptr<SQLite::Statement> charsets;         // made on first use
+    qint64 stamped = std::numeric_limits<qint64>::min(); // the second last written
+    std::string stamp;
+};
+
 MailStore::Writer::Writer(MailStore& store, QByteArrayView folder)
     : m_store(store), m_folder(folder.toByteArray()) {}
 
@@ -259,6 +270,12 @@ MailStore::Writer::~Writer() {
         } catch (...) {
         }
     }
+    close();
+}
+
+void MailStore::Writer::close() {
+    m_st.reset(); // statements are finalised before their connection closes
+    m_db.reset();
 }
 
 void MailStore::Writer::fail(const QString& file, const QString& reason) {
@@ -269,66 +286,140 @@ void MailStore::Writer::fail(const QString& file, const QString& reason) {
     m_reported = true;
 }
 
-std::optional<qint32> MailStore::Writer::add(const NewIndexFields& fields, const MessageRow& bodies,
-                                             const std::vector<AttachmentRow>& attachments) {
-    QString file = m_store.databasePath(m_folder, kIndexFile);
+template <typename Fn> auto MailStore::Writer::inMessage(Fn&& fn) -> std::optional<decltype(fn())> {
+    m_file = m_st ? m_st->indexFile : m_store.databasePath(m_folder, kIndexFile);
     try {
         if (!m_db) {
-            m_db = m_store.openFolder(m_folder);
-            m_db->db().exec("BEGIN IMMEDIATE");
+            std::unique_ptr<SqliteDb> db = m_store.openFolder(m_folder);
+            // A group outgrows SQLite's small default cache, and every spill
+            // of dirty pages before the commit costs a journal sync of its own.
+            db->db().exec("PRAGMA main.cache_size = -16384; PRAGMA data.cache_size = -16384;"
+                          "PRAGMA att.cache_size = -65536");
+            db->db().exec("BEGIN IMMEDIATE");
+            m_st = std::make_unique<Prepared>(db->db(), m_store, m_folder);
+            m_db = std::move(db);
         }
         SQLite::Database& d = m_db->db();
-        d.exec("SAVEPOINT message");
+        Prepared::run(m_st->savepoint);
         try {
-            IndexRow row;
-            row.realDate = m_store.m_clock.now();
-            row.attachments = qint32(attachments.size());
-            const qint32 id = m_store.insertIndexRow(d, row, fields);
-            file = m_store.databasePath(m_folder, kDataFile);
-            SQLite::Statement body(
-                d,
-                R"(INSERT OR REPLACE INTO data."Message" ("ID", "Text", "Html", "Headers") VALUES (?, ?, ?, ?))");
-            body.bind(1, id);
-            SqliteDb::bindBytesOrNull(body, 2, bodies.text);
-            SqliteDb::bindBytesOrNull(body, 3, bodies.html);
-            SqliteDb::bindBytesOrNull(body, 4, bodies.headers);
-            body.exec();
-            BodyCharsets::write(d, id, {bodies.textCharset, bodies.htmlCharset});
-            file = m_store.databasePath(m_folder, kAttachmentsFile);
-            SQLite::Statement att(
-                d, R"(INSERT INTO att."Attachments" ("ID", "Filename", "Data") VALUES (?, ?, ?))");
-            for (const AttachmentRow& a : attachments) {
-                att.reset();
-                att.bind(1, id);
-                SqliteDb::bindBytes(att, 2, fieldText(a.filename));
-                SqliteDb::bindBytesOrNull(att, 3, a.data);
-                att.exec();
-            }
-            d.exec("RELEASE message");
+            auto result = fn();
+            Prepared::run(m_st->release);
             ++m_pending;
-            return id;
+            return result;
         } catch (...) {
+            // The charset table may have been made inside this message.
+            m_st->charsets.reset();
             // A full disk or an I/O error may make SQLite undo the whole
             // transaction by itself: then the group is gone, not only this
             // message.
             if (sqlite3_get_autocommit(d.getHandle())) {
-                m_db.reset();
+                close();
                 m_lost = m_lost || m_pending > 0;
                 m_pending = 0;
             } else {
-                d.exec("ROLLBACK TO message");
-                d.exec("RELEASE message");
+                Prepared::run(m_st->rollbackTo);
+                Prepared::run(m_st->release);
             }
             throw;
         }
     } catch (const SqliteError& e) {
         fail(e.file(), e.reason());
     } catch (const std::exception& e) {
-        fail(file, QString::fromUtf8(e.what()));
+        fail(m_file, QString::fromUtf8(e.what()));
     }
-    if (m_db && sqlite3_get_autocommit(m_db->db().getHandle())) // BEGIN itself failed
-        m_db.reset();
+    if (m_db && sqlite3_get_autocommit(m_db->db().getHandle()))
+        close();
     return std::nullopt;
+}
+
+qint32 MailStore::Writer::insertMessage(const NewIndexFields& fields, const MessageRow& bodies,
+                                        qint32 count) {
+    Prepared& p = *m_st;
+    SQLite::Database& d = m_db->db();
+    m_file = p.indexFile;
+    p.index.reset();
+    int column = 0;
+    for (const std::optional<QByteArray>* value :
+         {&fields.subject, &fields.from, &fields.date, &fields.to}) {
+        ++column;
+        if (value->has_value())
+            SqliteDb::bindBytes(p.index, column, fieldText(**value));
+        else
+            p.index.bind(column);
+    }
+    p.index.bind(5, count);
+    // Messages of one group mostly share their second: formatted once.
+    const QDateTime now = m_store.m_clock.now();
+    if (const qint64 second = now.toSecsSinceEpoch(); second != p.stamped || !now.isValid()) {
+        p.stamped = second;
+        p.stamp = now.toString(QLatin1String(kRealDateFormat)).toStdString();
+    }
+    p.index.bind(6, p.stamp);
+    p.index.exec();
+    const qint32 id = qint32(d.getLastInsertRowid());
+
+    m_file = p.dataFile;
+    p.body.reset();
+    p.body.bind(1, id);
+    SqliteDb::bindBytesOrNull(p.body, 2, bodies.text);
+    SqliteDb::bindBytesOrNull(p.body, 3, bodies.html);
+    SqliteDb::bindBytesOrNull(p.body, 4, bodies.headers);
+    p.body.exec();
+    BodyCharsets::write(d, p.charsets, id, {bodies.textCharset, bodies.htmlCharset});
+    return id;
+}
+
+void MailStore::Writer::insertAttachment(qint32 id, const AttachmentRow& attachment) {
+    Prepared& p = *m_st;
+    m_file = p.attachmentsFile;
+    p.attachment.reset();
+    p.attachment.bind(1, id);
+    SqliteDb::bindBytes(p.attachment, 2, fieldText(attachment.filename));
+    SqliteDb::bindBytesOrNull(p.attachment, 3, attachment.data);
+    p.attachment.exec();
+}
+
+std::optional<qint32> MailStore::Writer::add(const NewIndexFields& fields, const MessageRow& bodies,
+                                             const std::vector<AttachmentRow>& attachments) {
+    return inMessage([&] {
+        const qint32 id = insertMessage(fields, bodies, qint32(attachments.size()));
+        for (const AttachmentRow& a : attachments)
+            insertAttachment(id, a);
+        return id;
+    });
+}
+
+MailStore::Writer::Drawn MailStore::Writer::addDrawn(const NewIndexFields& fields,
+                                                     const MessageRow& bodies,
+                                                     const AttachmentSource& next) {
+    Drawn drawn;
+    drawn.id = inMessage([&] {
+        drawn.attachments = 0;
+        const qint32 id = insertMessage(fields, bodies, 0);
+        SQLite::Database& d = m_db->db();
+        while (const std::optional<AttachmentRow> a = next()) {
+            d.exec("SAVEPOINT attachment");
+            try {
+                insertAttachment(id, *a);
+            } catch (const std::exception& e) {
+                if (sqlite3_get_autocommit(d.getHandle()))
+                    throw; // the whole transaction is gone
+                d.exec("ROLLBACK TO attachment");
+                d.exec("RELEASE attachment");
+                fail(m_file, QString::fromUtf8(e.what()));
+                break;
+            }
+            d.exec("RELEASE attachment");
+            ++drawn.attachments;
+        }
+        if (drawn.attachments > 0)
+            execBound(d, R"(UPDATE main."Index" SET "Attachments" = ? WHERE "ID" = ?)",
+                      {drawn.attachments, id});
+        return id;
+    });
+    if (!drawn.id)
+        drawn.attachments = 0;
+    return drawn;
 }
 
 bool MailStore::Writer::commit() {
@@ -345,7 +436,7 @@ bool MailStore::Writer::commit() {
             ok = false;
         }
     }
-    m_db.reset();
+    close();
     m_pending = 0;
     m_lost = false;
     m_reported = false;
@@ -361,18 +452,6 @@ bool MailStore::addAttachment(QByteArrayView folder, qint32 id, const Attachment
             st.bind(1, id);
             SqliteDb::bindBytes(st, 2, fieldText(attachment.filename));
             SqliteDb::bindBytesOrNull(st, 3, attachment.data);
-            st.exec();
-        });
-    });
-}
-
-bool MailStore::setAttachmentCount(QByteArrayView folder, qint32 id, qint32 count) {
-    return guarded(folder, [&] {
-        SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
-        db.run([&](SQLite::Database& d) {
-            SQLite::Statement st(d, R"(UPDATE "Index" SET "Attachments" = ? WHERE "ID" = ?)");
-            st.bind(1, count);
-            st.bind(2, id);
             st.exec();
         });
     });

@@ -100,10 +100,8 @@ public:
                                         const std::vector<AttachmentRow>& attachments);
 
     /// Adds one attachment row to a stored message without touching its
-    /// count, for callers that gather the attachments one at a time.
+    /// count.
     bool addAttachment(QByteArrayView folder, qint32 id, const AttachmentRow& attachment);
-    /// Sets the index row's attachment count.
-    bool setAttachmentCount(QByteArrayView folder, qint32 id, qint32 count);
 
     /// Removes the index, message and attachment rows of the message; a row
     /// missing in one database does not stop the others.
@@ -138,7 +136,6 @@ private:
     template <typename Fn> bool guarded(QByteArrayView folder, Fn&& fn);
     void report(QByteArrayView folder, const QString& file, const QString& reason);
     void createDatabase(QByteArrayView folder, const QString& fileName, const char* schema);
-    qint32 insertIndexRow(SQLite::Database& d, const IndexRow& row, const NewIndexFields& fields);
 
     QString m_programDir;
     const Clock& m_clock;
@@ -148,9 +145,19 @@ private:
 
 /// New messages of one folder written in one open transaction: visible to
 /// others and durable together at commit(). Nothing holds the files between
-/// a commit and the next add.
+/// a commit and the next add. The statements are prepared once per
+/// transaction, not per message: a session stores thousands.
 class MailStore::Writer {
 public:
+    /// Hands out the attachments of a message one at a time, so only one is
+    /// held in memory; nothing when there are no more (or the next could not
+    /// be had: the caller knows why).
+    using AttachmentSource = std::function<std::optional<AttachmentRow>()>;
+    struct Drawn {
+        std::optional<qint32> id;
+        int attachments = 0; // rows written
+    };
+
     Writer(MailStore& store, QByteArrayView folder);
     /// Rolls back what was not committed.
     ~Writer();
@@ -162,17 +169,29 @@ public:
     /// when it fails. Failures are reported once per group.
     std::optional<qint32> add(const NewIndexFields& fields, const MessageRow& bodies,
                               const std::vector<AttachmentRow>& attachments);
+    /// Adds a message whose attachments are drawn from next until it has no
+    /// more. An attachment that cannot be written ends the drawing: the
+    /// message keeps the rows before it and its count says how many.
+    Drawn addDrawn(const NewIndexFields& fields, const MessageRow& bodies,
+                   const AttachmentSource& next);
     /// Makes every message added since the last commit durable. False when
     /// they are gone (a failed commit, or a failure that undid the group).
     bool commit();
     int pending() const { return m_pending; }
 
 private:
+    struct Prepared;
+    template <typename Fn> auto inMessage(Fn&& fn) -> std::optional<decltype(fn())>;
+    qint32 insertMessage(const NewIndexFields& fields, const MessageRow& bodies, qint32 count);
+    void insertAttachment(qint32 id, const AttachmentRow& attachment);
+    void close();
     void fail(const QString& file, const QString& reason);
 
     MailStore& m_store;
     QByteArray m_folder;
     std::unique_ptr<SqliteDb> m_db;
+    std::unique_ptr<Prepared> m_st; // of m_db: goes first
+    QString m_file;                 // the file the current step writes, for the report
     int m_pending = 0;
     bool m_lost = false;
     bool m_reported = false;

@@ -51,31 +51,35 @@ OutgoingMessageStore::StoreOutgoingMessage(const OutgoingMessage& message, QByte
     if (const QByteArray to = recipients(message.to); to.size() > MailStore::kTextFieldSize)
         bodies.headers.prepend("To: " + to + "\r\n");
 
+    // One transaction for the whole message: a crash or a locked file
+    // leaves either all of it in the folder or nothing.
     Result result;
-    result.id = m_store.createMessage(folder, fields, bodies, {});
-    if (!result.id)
-        return result;
-
-    qint32 stored = 0;
-    for (const QString& path : message.attachments) {
-        QFile file(path);
-        AttachmentRow row;
-        if (file.open(QIODevice::ReadOnly))
-            row.data = file.readAll();
-        if (!file.isOpen() || file.error() != QFileDevice::NoError) {
-            result.error = QStringLiteral("The attachment \"%1\" could not be read: %2")
-                               .arg(path, file.errorString());
-            break;
-        }
-        row.filename = attachmentFilename(path);
-        if (!m_store.addAttachment(folder, *result.id, row)) {
-            result.error = QStringLiteral("The attachment \"%1\" could not be stored.").arg(path);
-            break;
-        }
-        ++stored;
-    }
-    if (stored > 0)
-        m_store.setAttachmentCount(folder, *result.id, stored);
+    MailStore::Writer writer(m_store, folder);
+    qsizetype drawn = 0;
+    const MailStore::Writer::Drawn stored =
+        writer.addDrawn(fields, bodies, [&]() -> std::optional<AttachmentRow> {
+            if (drawn >= message.attachments.size())
+                return std::nullopt;
+            const QString& path = message.attachments[drawn];
+            QFile file(path);
+            AttachmentRow row;
+            if (file.open(QIODevice::ReadOnly))
+                row.data = file.readAll();
+            if (!file.isOpen() || file.error() != QFileDevice::NoError) {
+                result.error = QStringLiteral("The attachment \"%1\" could not be read: %2")
+                                   .arg(path, file.errorString());
+                return std::nullopt;
+            }
+            row.filename = attachmentFilename(path);
+            ++drawn;
+            return row;
+        });
+    if (!stored.id || !writer.commit())
+        return {};
+    result.id = stored.id;
+    if (result.error.isEmpty() && stored.attachments < drawn)
+        result.error = QStringLiteral("The attachment \"%1\" could not be stored.")
+                           .arg(message.attachments[stored.attachments]);
     return result;
 }
 

@@ -7,10 +7,11 @@
 //
 // Attachments are read from disk one at a time, each just before its row is
 // written, so only one file is held in memory at once. When a file cannot be
-// read, storing stops there: the rows written so far stay in the outbox (the
-// message can be opened, fixed or deleted there), the attachment count is
-// set to the rows that were written, and the caller is told which file
-// failed and why.
+// read or its row written, storing stops there: the rows written so far stay
+// in the outbox (the message can be opened, fixed or deleted there), the
+// attachment count is set to the rows that were written, and the caller is
+// told which file failed and why. All of it is one transaction: a crash or a
+// locked file leaves the whole message or none of it.
 #include "mail/store/MailRows.h"
 
 #include <QByteArray>

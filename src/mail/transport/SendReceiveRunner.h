@@ -6,6 +6,7 @@
 //
 // The debug log gets the clients' protocol traces only while it is on, and
 // those traces carry no secrets; nothing here writes a password.
+#include "mail/mime/ReceivedMessageStore.h"
 #include "mail/transport/SendReceivePort.h"
 #include "mail/transport/SendReceiveSession.h"
 
@@ -24,7 +25,6 @@ class AsyncSmtpClient;
 class Clock;
 class DebugLog;
 class DuplicateDetector;
-class ReceivedMessageStore;
 class IniHelpers;
 class MailStore;
 struct OutgoingMail;
@@ -119,10 +119,8 @@ private:
     std::unique_ptr<SendReceiveSession> m_session;
     std::unique_ptr<DuplicateDetector> m_duplicates;
     std::unique_ptr<ReceivedMessageStore> m_received;
-    int m_groupSize = 200;
-    // The window's own writes to the inbox (marking a message read) wait
-    // this long at most for the session's open group.
-    static constexpr qint64 kCommitMs = 1000;
+    int m_groupSize = ReceivedMessageStore::kGroupMessages;
+    static constexpr qint64 kCommitMs = ReceivedMessageStore::kGroupMs;
     QElapsedTimer m_sinceCommit;
     QTimer m_startTimer, m_stepTimer;
     bool m_closed = false;
