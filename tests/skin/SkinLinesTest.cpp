@@ -61,12 +61,6 @@ TEST_F(SkinLinesTest, SingleLineLooksAtTheOverrideFirst) {
     EXPECT_FALSE(lines.line("S", 4, skin).has_value());
 }
 
-TEST_F(SkinLinesTest, OverrideFileNames) {
-    EXPECT_EQ(SkinLines::overrideFileFor("/t/Mirel1024.skn"), "/t/Mirel1024.ini");
-    EXPECT_EQ(SkinLines::overrideFileFor("/t/terminal.SKN"), "/t/terminal.ini");
-    EXPECT_EQ(SkinLines::overrideFileFor("ab"), "ini");
-}
-
 TEST_F(SkinLinesTest, ThreeDigitKeysContinueTheRun) {
     QByteArray text = "[S]\r\n";
     for (int i = 1; i <= 105; ++i)
