@@ -69,25 +69,4 @@ TEST(ControlLineTest, FieldsAndCommand) {
     EXPECT_EQ(back.b, 255);
 }
 
-TEST(ControlLineTest, SkinBooleans) {
-    // Words and numbers; anything else is no answer, and the caller's fallback.
-    struct Row {
-        const char* text;
-        std::optional<bool> value;
-    };
-    const Row rows[] = {
-        {"True", true},       {"TRUE", true},
-        {" false ", false},   {"1", true},
-        {"0", false},         {"-1", true},
-        {"0.0", false},       {"2.5", true},
-        {"", std::nullopt},   {"maybe", std::nullopt},
-        {"1x", std::nullopt},
-    };
-    for (const Row& r : rows) {
-        EXPECT_EQ(parseSkinBool(r.text), r.value) << r.text;
-        for (bool fallback : {false, true})
-            EXPECT_EQ(parseSkinBool(r.text, fallback), r.value.value_or(fallback)) << r.text;
-    }
-}
-
 } // namespace
