@@ -1,8 +1,6 @@
 #include "skin/SkinLines.h"
 
-#include "TestSupport.h"
-#include "platform/SettingsStore.h"
-#include "settings/IniHelpers.h"
+#include "IniFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -11,12 +9,8 @@ using namespace mirel::test;
 
 namespace {
 
-class SkinLinesTest : public ::testing::Test {
+class SkinLinesTest : public IniFixture {
 protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
     SkinLines lines{ini};
     QString skin = dir.file("Mirel.skn");
     QString override = dir.file("Mirel.ini");
