@@ -17,30 +17,16 @@
 
 using namespace mirel;
 
+// Catches an option taken loosely (extra words, unknown options, a bare
+// command) and a program let through --send.
 TEST(CommandLine, OnlySendAndQuitAreOptions) {
-    using M = CommandLine::Mode;
-    struct Row {
-        QStringList args;
-        M mode;
-        QByteArray command;
-    };
-    const Row rows[] = {
-        {{}, M::Run, {}},
-        {{"--quit"}, M::Quit, {}},
-        {{"--send", "NOTES"}, M::Send, "NOTES"},
-        // A program never travels through --send, whatever a theme's buttons say.
-        {{"--send", "\"/usr/bin/x y\" -a"}, M::Invalid, "\"/usr/bin/x y\" -a"},
-        {{"--send", "xterm"}, M::Invalid, "xterm"},
-        {{"--send"}, M::Invalid, {}},
-        {{"--send", ""}, M::Invalid, {}},
-        {{"--quit", "now"}, M::Invalid, {}},
-        {{"--help"}, M::Invalid, {}},
-        {{"NOTES"}, M::Invalid, {}},
-    };
-    for (const Row& r : rows) {
-        const CommandLine c = CommandLine::parse(r.args);
-        EXPECT_EQ(c.mode, r.mode) << r.args.join(' ').toStdString();
-        EXPECT_EQ(c.command, r.command);
+    const QStringList modes = {"Run", "Send", "Quit", "Invalid"};
+    for (const auto& r : test::readTable("tables/command-line.txt")) {
+        const QString args = QString::fromUtf8(r[0]);
+        const CommandLine c =
+            CommandLine::parse(args.isEmpty() ? QStringList() : args.split(" ; "));
+        EXPECT_EQ(int(c.mode), modes.indexOf(QString::fromUtf8(r[1]))) << r[0].constData();
+        EXPECT_EQ(c.command, r[2]) << r[0].constData();
     }
 }
 

@@ -42,28 +42,10 @@ TEST(CommandTable, MatchesWholeUpperCasedNames) {
 }
 
 TEST(OpenCommand, SplitsProgramAndParameters) {
-    struct Row {
-        const char* command;
-        const char* program;
-        const char* parameters;
-    };
-    const Row rows[] = {
-        // The parameters keep the blank that follows the closing quote.
-        {"\"C:\\Program Files\\tool.exe\" -a", "C:\\Program Files\\tool.exe", " -a"},
-        {"\"/usr/bin/my tool\"", "/usr/bin/my tool", ""},
-        {"\"unbalanced -x", "unbalanced -x", ""},
-        {"xterm -e top", "xterm", "-e top"},
-        // The blank is searched from the second character on.
-        {" leading", " leading", ""},
-        {" lead x", " lead", "x"},
-        {"https://example.org/", "https://example.org/", ""},
-        {"Calendar2", "Calendar2", ""},
-        {"", "", ""},
-    };
-    for (const Row& r : rows) {
-        const OpenCommand c = OpenCommand::parse(r.command);
-        EXPECT_EQ(c.program, QByteArray(r.program)) << r.command;
-        EXPECT_EQ(c.parameters, QByteArray(r.parameters)) << r.command;
+    for (const auto& r : test::readTable("tables/open-command.txt")) {
+        const OpenCommand c = OpenCommand::parse(r[0]);
+        EXPECT_EQ(c.program, r[1]) << r[0].constData();
+        EXPECT_EQ(c.parameters, r[2]) << r[0].constData();
     }
 }
 

@@ -1,15 +1,9 @@
-#include "app/frmMain.h"
-#include "TestSupport.h"
-#include "app/ShellValues.h"
-#include "platform/Clock.h"
-#include "platform/SettingsStore.h"
+#include "MainWindowHarness.h"
 #include "skin/SkinState.h"
 #include "ui/SkinButton.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QGuiApplication>
-#include <QListWidget>
 #include <QScreen>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -18,65 +12,25 @@ using namespace mirel;
 
 namespace {
 
-const QByteArray kSkin = "[DEFAULT]\r\n"
-                         "BackGround=10,20,30\r\n"
-                         "01=B,n.bmp,0,0,50,20,,,False,notes\r\n"
-                         "02=B,t.bmp,0,20,50,20,,,False,TODO\r\n"
-                         "03=B,c.bmp,0,40,50,20,,,False,Calendar2\r\n"
-                         "04=B,p.bmp,0,60,50,20,,,True,\"/opt/my tool\" -a\r\n"
-                         "05=B,r.bmp,0,80,50,20,,,False,RUNME\r\n"
-                         "06=B,r.bmp,0,100,50,20,,,False,RUNME\r\n"
-                         "07=B,q.bmp,0,-20,50,20,,,False,QUIT\r\n"
-                         "[EMAIL]\r\ndefin=In\r\ndefdel=Bin\r\n"
-                         "[Overview]\r\n"
-                         "01=L,overview,60,0,0,0,255,255,255,0,0,0,Sans,9\r\n"
-                         "[Notes]\r\n"
-                         "01=L,notes,60,0,0,0,255,255,255,0,0,0,Sans,9\r\n"
-                         "02=B,a.bmp,60,100,50,20,,,False,NOTEADD\r\n"
-                         "[Todo]\r\n"
-                         "01=B0,p0.bmp,60,0,20,20,,,False,AGENDAP0\r\n"
-                         "02=B1,p1.bmp,80,0,20,20,,,False,AGENDAP1\r\n"
-                         "03=B,x.bmp,60,40,20,20,,,1,TODOADD\r\n";
-
-struct Main {
-    test::TempDir dir;
-    SettingsStore store{dir.file("config")};
-    test::RecordingMessageSink sink;
-    FixedClock clock{QDateTime(QDate(2024, 5, 1), QTime(9, 0))};
-    std::unique_ptr<frmMain> w;
+struct Main : test::MainWindowHarness {
     QList<QByteArray> opened;
     QList<QByteArray> prompts; // answers, consumed in order
     int prompted = 0;
 
-    Main(const QByteArray& skin = kSkin) {
-        QDir().mkpath(dir.file("prog/theme"));
-        test::writeAll(dir.file("prog/theme/Mirel.skn"), skin);
-        test::writeAll(dir.file("prog/theme/terminal.skn"), "[DEFAULT]\r\nSound=0\r\nDebug=1\r\n");
-        store.SaveSetting(kFamilyApp, "Default", "ProgramDir", dir.file("prog").toUtf8());
-        store.SaveSetting(kFamilyApp, "Default", "ThemeDir", "\\theme\\");
+    Main() : MainWindowHarness("skins/main/Mirel.skn", QDateTime(QDate(2024, 5, 1), QTime(9, 0))) {
         store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, "left over");
         store.SaveSetting(kFamilyApp, kExitSection, kExitKey, "1");
     }
     frmMain& start() {
-        w = std::make_unique<frmMain>(store, sink, clock);
-        w->setSingleInstanceEnabled(false);
-        w->setBundledThemeCandidates({dir.file("none")});
-        w->setPasswordPause(0);
-        w->setOpenHandler([this](const QByteArray& c) { opened << c; });
-        w->setPasswordPrompt([this] {
-            ++prompted;
-            return prompts.isEmpty() ? QByteArray() : prompts.takeFirst();
+        return MainWindowHarness::start([this](frmMain& w) {
+            w.setPasswordPause(0);
+            w.setOpenHandler([this](const QByteArray& c) { opened << c; });
+            w.setPasswordPrompt([this] {
+                ++prompted;
+                return prompts.isEmpty() ? QByteArray() : prompts.takeFirst();
+            });
         });
-        EXPECT_EQ(w->Form_Load(), frmMain::StartResult::Ready);
-        return *w;
     }
-    int indexOf(const QByteArray& command) const {
-        for (int i = 1; i <= w->state().buttonCount(); ++i)
-            if (w->state().button(i).command == command)
-                return i;
-        return 0;
-    }
-    void click(const QByteArray& command) { w->ClickButton(indexOf(command)); }
 };
 
 } // namespace

@@ -41,13 +41,18 @@ class Xvfb:
         self.display = ":" + number.decode().strip()
 
     def stop(self):
-        if self.proc.poll() is None:
-            self.proc.terminate()
-            try:
-                self.proc.wait(10)
-            except subprocess.TimeoutExpired:
-                self.proc.kill()
-                self.proc.wait()
+        _end(self.proc)
+
+
+def _end(proc):
+    """Terminates proc, killing it when it does not end within ten seconds."""
+    if proc and proc.poll() is None:
+        proc.terminate()
+        try:
+            proc.wait(10)
+        except subprocess.TimeoutExpired:
+            proc.kill()
+            proc.wait()
 
 
 def click(display, x, y, clicks=1):
@@ -214,13 +219,7 @@ class Session:
             return None
 
     def close(self):
-        if self.proc and self.proc.poll() is None:
-            self.proc.terminate()
-            try:
-                self.proc.wait(10)
-            except subprocess.TimeoutExpired:
-                self.proc.kill()
-                self.proc.wait()
+        _end(self.proc)
         if self.proc and self.proc.stdout:
             self.proc.stdout.close()
         shutil.rmtree(self.tmp, ignore_errors=True)

@@ -14,10 +14,6 @@ namespace {
 
 using DataFoldersTest = OrganiserFixture;
 
-QByteArray enc(const QByteArray& s) {
-    return encodeTriplets(s);
-}
-
 TEST_F(DataFoldersTest, FirstStartMakesFoldersAndDefaultsOnly) {
     for (const char* d : {"Addressbook", "Logbook", "Notes", "Todo"})
         EXPECT_TRUE(QFileInfo(data(d)).isDir()) << d;
@@ -45,21 +41,10 @@ TEST_F(DataFoldersTest, PresentKeyIsNeverChanged) {
 }
 
 TEST_F(DataFoldersTest, ConvertsEveryKindOfTheOldStoreOnce) {
-    const char sep = '\x01';
-    QByteArray contact;
-    for (int f = 1; f <= 17; ++f)
-        contact += "f" + QByteArray::number(f) + (f == 17 ? "\r\nnote" : "") + sep;
-    QByteArray old = "[BOOK]\r\nID=3\r\n1=\r\n2=" + enc(contact) +
-                     "\r\n3=" + enc("short" + QByteArray(1, sep)) + "\r\n";
-    old += "[AGENDA]\r\nID=3\r\n1=abc\r\n3=def\r\n";
-    old += "[CALENDAR]\r\n0229=leap\r\n0230=never\r\n1231=eve\r\n0101=\r\n";
-    old += "[LOG]\r\nID=2\r\n1=" + enc("20061116164512 second") +
-           "\r\n2=" + enc("20050101000000 first\r\nline") + "\r\n";
-    old += "[NOTES]\r\nID=3\r\n1=" + enc("beta" + QByteArray(1, sep) + "b text") +
-           "\r\n2=\r\n3=" + enc("Alpha" + QByteArray(1, sep) + "a text") + "\r\n";
-    old += "[TODO]\r\nID=1\r\n1=" + enc("0" + QByteArray(1, sep) + "buy milk") + "\r\n";
-    old += "[KEEP]\r\nx=1\r\n";
-    writeAll(folders.ProgramDir + "/mirel-data.ini", old);
+    // Every section of the old single store: contacts (one empty, one short),
+    // agenda, calendar days, log, notes and tasks as digit triplets; one
+    // foreign section that stays.
+    writeAll(folders.ProgramDir + "/mirel-data.ini", readAll(testData("organiser/old-store.ini")));
 
     DataFolders(ctx).bootstrap();
 

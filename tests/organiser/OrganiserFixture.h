@@ -1,7 +1,7 @@
 #pragma once
 // A program folder in a temporary directory with the data folders made,
 // a fixed clock and a message sink that records.
-#include "TestSupport.h"
+#include "IniFixture.h"
 #include "organiser/DataFolders.h"
 #include "organiser/OrganiserContext.h"
 
@@ -9,12 +9,8 @@
 
 namespace mirel::test {
 
-class OrganiserFixture : public ::testing::Test {
-  protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
+class OrganiserFixture : public IniFixture {
+protected:
     FixedClock clock{QDateTime(QDate(2006, 11, 16), QTime(16, 45, 12))};
     Folders folders{dir.file("prog"), QStringLiteral("\\themes\\Default\\")};
     int overviewRefreshes = 0;

@@ -13,8 +13,11 @@ using namespace mirel::test;
 
 namespace {
 
-TEST(IniFile, MissingFileIsMissingNotAnError) {
+struct IniFileTest : ::testing::Test {
     TempDir dir;
+};
+
+TEST_F(IniFileTest, MissingFileIsMissingNotAnError) {
     QByteArray v = "stale";
     EXPECT_EQ(IniFile::read(dir.file("none.ini"), "A", "k", v).status, IniResult::Missing);
     EXPECT_TRUE(v.isEmpty());
@@ -22,16 +25,14 @@ TEST(IniFile, MissingFileIsMissingNotAnError) {
     EXPECT_FALSE(QFile::exists(dir.file("none.ini")));
 }
 
-TEST(IniFile, WriteCreatesFileWithCrLfAndLeavesNoLockBehind) {
-    TempDir dir;
+TEST_F(IniFileTest, WriteCreatesFileWithCrLfAndLeavesNoLockBehind) {
     ASSERT_TRUE(IniFile::write(dir.file("a.ini"), "S", "k", "v"));
     ASSERT_TRUE(IniFile::write(dir.file("a.ini"), "S", "j", "w"));
     EXPECT_EQ(readAll(dir.file("a.ini")), QByteArray("[S]\r\nk=v\r\nj=w\r\n"));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"a.ini"});
 }
 
-TEST(IniFile, FolderMissingFolderAndUnreadableFileAreErrors) {
-    TempDir dir;
+TEST_F(IniFileTest, FolderMissingFolderAndUnreadableFileAreErrors) {
     QDir(dir.path()).mkdir("sub.ini");
     QByteArray v;
     const IniResult r = IniFile::read(dir.file("sub.ini"), "A", "k", v);
@@ -48,8 +49,7 @@ TEST(IniFile, FolderMissingFolderAndUnreadableFileAreErrors) {
     }
 }
 
-TEST(IniFile, ReplaceKeepsPermissionsOfTheFile) {
-    TempDir dir;
+TEST_F(IniFileTest, ReplaceKeepsPermissionsOfTheFile) {
     const QString f = dir.file("accounts.ini");
     ASSERT_TRUE(IniFile::write(f, "A", "k", "v"));
     ::chmod(QFile::encodeName(f).constData(), 0600);
@@ -59,8 +59,7 @@ TEST(IniFile, ReplaceKeepsPermissionsOfTheFile) {
     EXPECT_EQ(st.st_mode & 0777, 0600u);
 }
 
-TEST(IniFile, PathsResolveWithoutRegardToCase) {
-    TempDir dir;
+TEST_F(IniFileTest, PathsResolveWithoutRegardToCase) {
     QDir(dir.path()).mkpath("mirel");
     writeAll(dir.file("mirel/calendar.ini"), "[0101]\r\nx=1\r\n");
     QByteArray v;
@@ -71,8 +70,7 @@ TEST(IniFile, PathsResolveWithoutRegardToCase) {
     EXPECT_EQ(QDir(dir.file("mirel")).entryList(QDir::Files), QStringList{"calendar.ini"});
 }
 
-TEST(IniFile, TwoProcessesWritingAtOnceLoseNoKey) {
-    TempDir dir;
+TEST_F(IniFileTest, TwoProcessesWritingAtOnceLoseNoKey) {
     const QString f = dir.file("incomming.ini");
     constexpr int kEach = 150;
     QProcess* a = startHelper({"write-keys", f, "Seen", "a", QString::number(kEach)});
@@ -94,8 +92,7 @@ TEST(IniFile, TwoProcessesWritingAtOnceLoseNoKey) {
     EXPECT_EQ(doc.sectionNames().size(), 1);
 }
 
-TEST(IniFile, KilledWriterLeavesOldOrNewFileNeverATornOne) {
-    TempDir dir;
+TEST_F(IniFileTest, KilledWriterLeavesOldOrNewFileNeverATornOne) {
     const QString f = dir.file("big.ini");
     constexpr int kSize = 1024 * 1024;
     ASSERT_TRUE(IniFile::write(f, "A", "before", "kept"));
@@ -122,36 +119,21 @@ TEST(IniFile, KilledWriterLeavesOldOrNewFileNeverATornOne) {
     EXPECT_TRUE(IniFile::write(f, "A", "after", "ok"));
 }
 
-} // namespace
-
 // Catches typed text (a --send command, a folder name, a skin value) that
 // smuggles a new key or section into a shared file: each write is refused
 // and the file stays byte for byte as it was.
-TEST(IniFile, RefusesTextThatWouldAddKeysOrSections) {
-    const struct {
-        QByteArray section, key, value;
-    } cases[] = {
-        {"Voice", "Mirel", "NOTES\r\n[Injected]\r\nk=v"},
-        {"Voice", "Mirel", "a\nb=c"},
-        {"Voice", "Mirel", QByteArray("a\0b", 3)},
-        {"Voice", "Mirel", "a\rb"},
-        {"Voice]\r\n[X", "k", "v"},
-        {"Vo]ice", "k", "v"},
-        {"Voice", "k\r\nX=1", "v"},
-        {"Voice", "k=1", "v"},
-        {"Voice", "[Injected]", "v"},
-        {"Voice", " ;comment", "v"},
-    };
-    TempDir dir;
+TEST_F(IniFileTest, RefusesTextThatWouldAddKeysOrSections) {
     const QString file = dir.file("shared.ini");
     ASSERT_TRUE(IniFile::write(file, "Voice", "Mirel", "NOTES"));
     const QByteArray before = readAll(file);
-    for (const auto& c : cases) {
-        SCOPED_TRACE((c.section + " / " + c.key + " / " + c.value).toStdString());
-        EXPECT_EQ(IniFile::write(file, c.section, c.key, c.value).status, IniResult::IoError);
+    for (const auto& c : readTable("tables/ini-injection.txt")) {
+        SCOPED_TRACE((c[0] + " / " + c[1] + " / " + c[2]).toStdString());
+        EXPECT_EQ(IniFile::write(file, c[0], c[1], c[2]).status, IniResult::IoError);
         IniDocument doc(before);
-        EXPECT_FALSE(doc.setValues(c.section, {{"ok", "1"}, {c.key, c.value}}));
+        EXPECT_FALSE(doc.setValues(c[0], {{"ok", "1"}, {c[1], c[2]}}));
         EXPECT_EQ(doc.bytes(), before);
     }
     EXPECT_EQ(readAll(file), before);
 }
+
+} // namespace

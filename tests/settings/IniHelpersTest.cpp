@@ -1,6 +1,6 @@
 #include "settings/IniHelpers.h"
 
-#include "TestSupport.h"
+#include "IniFixture.h"
 #include "platform/RuntimeError.h"
 
 #include <QDir>
@@ -12,12 +12,8 @@ using namespace mirel::test;
 
 namespace {
 
-class IniHelpersTest : public ::testing::Test {
+class IniHelpersTest : public IniFixture {
 protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
     QString file(const char* name = "t.ini") { return dir.file(name); }
 };
 

@@ -1,62 +1,41 @@
 #include "skin/ControlLine.h"
+#include "TestSupport.h"
+#include "skin/Placement.h"
 
 #include <gtest/gtest.h>
-#include <ostream>
 
 using namespace mirel;
 
 namespace {
 
-struct KindRow {
-    const char* line;
-    ControlKind kind;
-    int roleSlot;
-    int switchIndex;
-};
-
-void PrintTo(const KindRow& r, std::ostream* os) {
-    *os << '"' << r.line << '"';
+// Catches a kind code matched loosely (case, blanks, unknown slots) or a
+// role slot / switch index read from the wrong character.
+TEST(ControlLineTest, KindRoleAndSwitch) {
+    const QList<QByteArray> kinds = {
+        "Unknown",        "Button",     "Picture",     "TextBox",     "MultiLine",
+        "Label",          "List",       "MessageList", "MessageView", "MessageHeader",
+        "AttachmentList", "ModeButton", "CheckButton", "Special",     "Animation"};
+    for (const auto& r : test::readTable("tables/control-kinds.txt")) {
+        const ControlLine l = parseControlLine(r[0]);
+        EXPECT_EQ(int(l.kindCode), kinds.indexOf(r[1])) << r[0].constData();
+        EXPECT_EQ(l.roleSlot, r[2].toInt()) << r[0].constData();
+        EXPECT_EQ(l.switchIndex, r[3].toInt()) << r[0].constData();
+    }
 }
 
-class ControlKindTest : public ::testing::TestWithParam<KindRow> {};
-
-TEST_P(ControlKindTest, KindRoleAndSwitch) {
-    const KindRow& r = GetParam();
-    const ControlLine l = parseControlLine(r.line);
-    EXPECT_EQ(l.kindCode, r.kind) << r.line;
-    EXPECT_EQ(l.roleSlot, r.roleSlot) << r.line;
-    EXPECT_EQ(l.switchIndex, r.switchIndex) << r.line;
+// Catches edges counted from the wrong side, stretch and percentages applied
+// to kinds that take none, and overflow on absurd numbers.
+TEST(ControlLineTest, PlacementOnA1024By768Window) {
+    for (const auto& r : test::readTable("tables/placement.txt")) {
+        const QList<QByteArray> n = r[1].split(' ');
+        EXPECT_EQ(placeControl(parseControlLine(r[0]), QSize(1024, 768)),
+                  QRect(n[0].toInt(), n[1].toInt(), n[2].toInt(), n[3].toInt()))
+            << r[0].constData();
+    }
+    // Picture buttons of the mail dialog carry one more field before the place.
+    const ControlLine l = parseControlLine("SP,emailbut2,pic.bmp,-40,5,30,0");
+    EXPECT_EQ(placeControl(l, QSize(400, 300), 4), QRect(360, 5, 30, 295));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ControlKindTest,
-    ::testing::Values(
-        KindRow{"B,x.bmp", ControlKind::Button, -1, -1},
-        KindRow{"B0,x.bmp", ControlKind::Button, 0, -1},
-        KindRow{"B7,x.bmp", ControlKind::Button, 7, -1},
-        KindRow{"BA,x.bmp", ControlKind::Button, 10, -1},
-        KindRow{"BD,x.bmp", ControlKind::Button, 13, -1},
-        KindRow{"BF,x.bmp", ControlKind::Button, 15, -1},
-        // Neither a priority nor a mode slot: not a button kind at all.
-        KindRow{"B8,x", ControlKind::Unknown, -1, -1},
-        KindRow{"BG,x", ControlKind::Unknown, -1, -1},
-        // Kinds are matched exactly, upper case only.
-        KindRow{"b,x", ControlKind::Unknown, -1, -1}, KindRow{"Lb,x", ControlKind::Unknown, -1, -1},
-        KindRow{" B,x", ControlKind::Unknown, -1, -1}, KindRow{"P,x", ControlKind::Picture, -1, -1},
-        KindRow{"T,x", ControlKind::TextBox, -1, -1},
-        KindRow{"M,x", ControlKind::MultiLine, -1, -1}, KindRow{"LB,x", ControlKind::Label, -1, -1},
-        KindRow{"L,x", ControlKind::List, -1, -1},
-        KindRow{"ML,x", ControlKind::MessageList, -1, -1},
-        KindRow{"MO,x", ControlKind::MessageView, -1, -1},
-        KindRow{"MA,x", ControlKind::AttachmentList, -1, -1},
-        KindRow{"S0,x", ControlKind::ModeButton, -1, 0},
-        KindRow{"S1,x", ControlKind::ModeButton, -1, 1},
-        KindRow{"S2,x", ControlKind::CheckButton, -1, 0},
-        KindRow{"S8,x", ControlKind::CheckButton, -1, 6},
-        KindRow{"S9,x", ControlKind::Unknown, -1, -1},
-        KindRow{"SP,emailedit", ControlKind::Special, -1, -1},
-        KindRow{"A,x.gif", ControlKind::Animation, -1, -1},
-        KindRow{"", ControlKind::Unknown, -1, -1}, KindRow{",,,,", ControlKind::Unknown, -1, -1}));
 
 TEST(ControlLineTest, FieldsAndCommand) {
     struct Row {
@@ -88,27 +67,6 @@ TEST(ControlLineTest, FieldsAndCommand) {
     EXPECT_EQ(back.r, 255);
     EXPECT_EQ(back.g, 0);
     EXPECT_EQ(back.b, 255);
-}
-
-TEST(ControlLineTest, SkinBooleans) {
-    // Words and numbers; anything else is no answer, and the caller's fallback.
-    struct Row {
-        const char* text;
-        std::optional<bool> value;
-    };
-    const Row rows[] = {
-        {"True", true},       {"TRUE", true},
-        {" false ", false},   {"1", true},
-        {"0", false},         {"-1", true},
-        {"0.0", false},       {"2.5", true},
-        {"", std::nullopt},   {"maybe", std::nullopt},
-        {"1x", std::nullopt},
-    };
-    for (const Row& r : rows) {
-        EXPECT_EQ(parseSkinBool(r.text), r.value) << r.text;
-        for (bool fallback : {false, true})
-            EXPECT_EQ(parseSkinBool(r.text, fallback), r.value.value_or(fallback)) << r.text;
-    }
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 #include "skin/SkinLines.h"
 
-#include "TestSupport.h"
-#include "platform/SettingsStore.h"
-#include "settings/IniHelpers.h"
+#include "IniFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -11,12 +9,8 @@ using namespace mirel::test;
 
 namespace {
 
-class SkinLinesTest : public ::testing::Test {
+class SkinLinesTest : public IniFixture {
 protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
     SkinLines lines{ini};
     QString skin = dir.file("Mirel.skn");
     QString override = dir.file("Mirel.ini");
@@ -59,12 +53,6 @@ TEST_F(SkinLinesTest, SingleLineLooksAtTheOverrideFirst) {
     EXPECT_EQ(lines.line("S", 2, skin), QByteArray("B,over"));
     EXPECT_EQ(lines.line("S", 3, skin), QByteArray("B,c"));
     EXPECT_FALSE(lines.line("S", 4, skin).has_value());
-}
-
-TEST_F(SkinLinesTest, OverrideFileNames) {
-    EXPECT_EQ(SkinLines::overrideFileFor("/t/Mirel1024.skn"), "/t/Mirel1024.ini");
-    EXPECT_EQ(SkinLines::overrideFileFor("/t/terminal.SKN"), "/t/terminal.ini");
-    EXPECT_EQ(SkinLines::overrideFileFor("ab"), "ini");
 }
 
 TEST_F(SkinLinesTest, ThreeDigitKeysContinueTheRun) {

@@ -1,8 +1,6 @@
 #include "skin/SkinSound.h"
 
-#include "TestSupport.h"
-#include "platform/SettingsStore.h"
-#include "settings/IniHelpers.h"
+#include "IniFixture.h"
 
 #include <QDir>
 #include <gtest/gtest.h>
@@ -12,12 +10,8 @@ using namespace mirel::test;
 
 namespace {
 
-class SkinSoundTest : public ::testing::Test {
+class SkinSoundTest : public IniFixture {
 protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
     // The theme folder has a blank in its name: paths are used as they are.
     QString theme = dir.path() + QStringLiteral("/My Theme/");
 

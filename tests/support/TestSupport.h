@@ -56,6 +56,10 @@ int runHelper(const QStringList& args, QByteArray* output = nullptr);
 
 QString testData(const QString& relative);
 
+/// Rows of a table file in tests/data: one row a line, fields split at " | ",
+/// escapes \r \n \t \0 \xHH and \\ decoded; blank lines and "#" lines skipped.
+QList<QList<QByteArray>> readTable(const QString& relative);
+
 /// Creates the QCoreApplication that signal-driven core tests need, once.
 void ensureCoreApp();
 

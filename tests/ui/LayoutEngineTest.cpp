@@ -28,18 +28,9 @@ TEST_F(LayoutEngineTest, DefaultSectionFillsTheButtonTables) {
     EXPECT_EQ(host->controlCount(), 5);
     EXPECT_EQ(s.tables.pictures, 1);
 
-    EXPECT_EQ(s.button(1).picturePath,
-              folders.themeFolder().replace('\\', '/').replace("//", "/") + "button.bmp");
-    EXPECT_EQ(s.button(1).hoverSound, "click");
     // The picture name was written in another case: the file on disk is found.
     EXPECT_TRUE(s.button(2).picturePath.endsWith("/button.bmp"));
     EXPECT_EQ(s.button(2).command, "\"/usr/bin/prog\" -a,b,c");
-    EXPECT_EQ(s.tables.prioritySlots[0], 3);
-    EXPECT_EQ(s.tables.prioritySlots[1], 4);
-
-    // Negative left counts from the right edge; percentages for pictures.
-    EXPECT_EQ(host->button(2)->geometry(), QRect(974, 10, 40, 20));
-    EXPECT_EQ(host->picture(1)->geometry(), QRect(512, 0, 60, 40));
     EXPECT_FALSE(host->picture(1)->pixmap().isNull());
     EXPECT_TRUE(host->picture(1)->testAttribute(Qt::WA_TransparentForMouseEvents));
 
@@ -77,21 +68,13 @@ TEST_F(LayoutEngineTest, ScreenSectionAndClearReturnExactlyToTheRecordedState) {
     // 01..09 are read; "10" exists only in the override file and stops the run.
     ASSERT_EQ(s.buttonCount(), 6);
     EXPECT_EQ(s.defaultButtonCount, 4);
-    EXPECT_EQ(s.button(5).command, "TODODONE");
-    EXPECT_EQ(s.tables.modeSlots[3], 5);
     EXPECT_EQ(s.tables.doneButton, 5);
     EXPECT_EQ(s.tables.mailButtons.value("emailreply"), 6);
     EXPECT_EQ(s.tables.agendaLabels.value("DAY"), 1);
-    EXPECT_EQ(s.tables.themePicture, 2);
     EXPECT_FALSE(host->picture(2)->pixmap().isNull());
-    EXPECT_EQ(s.tables.animations, 1);
     EXPECT_EQ(s.tables.animationFrames, 3);
-
-    // The override widened the text box; the stretched list and text fill to the edges.
-    EXPECT_EQ(host->textBox(1)->geometry(), QRect(10, 70, 300, 20));
-    EXPECT_EQ(host->textBox(1)->maxLength(), 255);
-    EXPECT_EQ(host->generalList()->geometry(), QRect(10, 100, 1014, 658));
-    EXPECT_EQ(host->multiLine(1)->geometry(), QRect(220, 70, 794, 698));
+    // The override widened the text box.
+    EXPECT_EQ(host->textBox(1)->width(), 300);
     // The caption is one field of the comma list like every other one.
     EXPECT_EQ(host->label(1)->text(), "Day");
 
@@ -105,17 +88,12 @@ TEST_F(LayoutEngineTest, ScreenSectionAndClearReturnExactlyToTheRecordedState) {
     EXPECT_TRUE(screenButton.isNull());
     EXPECT_EQ(host->controlCount(), controlsBefore);
     EXPECT_EQ(s.buttonCount(), before.buttons.size());
-    EXPECT_EQ(s.tables.controls, before.controls);
     EXPECT_EQ(s.tables.labels + s.tables.animations + s.tables.themePicture, 0);
     EXPECT_EQ(s.tables.modeSlots, before.modeSlots);
-    EXPECT_EQ(s.tables.prioritySlots, before.prioritySlots);
     EXPECT_TRUE(s.tables.mailButtons.isEmpty());
     EXPECT_EQ(s.selectedPriorityButton, 0);
     EXPECT_TRUE(s.currentScreen.isEmpty());
-    EXPECT_FALSE(s.closing);
     EXPECT_EQ(host->generalList(), nullptr);
-    EXPECT_EQ(host->button(6), nullptr);
-    EXPECT_NE(host->button(4), nullptr);
     EXPECT_FALSE(host->button(3)->isLit());
 
     // A second visit builds the same screen again from the same starting point.
@@ -167,16 +145,13 @@ TEST_F(LayoutEngineTest, MailPartsAreMovedAndShownThenHiddenOnClear) {
     QWidget* body = host->placed(PlacedPart::MessageBody);
     QWidget* html = host->placed(PlacedPart::HtmlView);
     QWidget* attachments = host->placed(PlacedPart::AttachmentList);
-    EXPECT_EQ(list->geometry(), QRect(10, 10, 1004, 200));
     EXPECT_TRUE(list->isVisibleTo(host.get()));
+    // Both message views share one place; the plain one stays out of sight.
     EXPECT_EQ(body->geometry(), html->geometry());
-    EXPECT_EQ(html->geometry(), QRect(10, 220, 1004, 488));
     EXPECT_TRUE(html->isVisibleTo(host.get()));
-    EXPECT_EQ(attachments->geometry(), QRect(10, 718, 1004, 40));
     // The attachment list is placed, but only the message view shows it.
     EXPECT_FALSE(attachments->isVisibleTo(host.get()));
     EXPECT_TRUE(host->modeButton(0)->isVisibleTo(host.get()));
-    EXPECT_EQ(host->modeButton(0)->geometry(), QRect(10, 738, 60, 20));
     EXPECT_TRUE(host->checkButton(1)->isVisibleTo(host.get()));
     EXPECT_FALSE(host->checkButton(0)->isVisibleTo(host.get()));
     ASSERT_TRUE(host->overviewList());
@@ -198,20 +173,13 @@ TEST_F(LayoutEngineTest, OwnWidgetsTakeThePlaceOfPlaceholders) {
 
 TEST_F(LayoutEngineTest, FixedMailDialogControls) {
     engine.LayoutSection(*host, "MAILDIALOG", terminal);
-    auto* accounts = qobject_cast<QComboBox*>(host->special("emailaccounts"));
-    ASSERT_TRUE(accounts);
-    EXPECT_EQ(accounts->geometry(), QRect(10, 10, 100, 20));
+    EXPECT_TRUE(qobject_cast<QComboBox*>(host->special("emailaccounts")));
     // "emailbut" reads its element number from the ninth character on.
-    ASSERT_TRUE(host->hasSpecial("emailbut3"));
     auto* but = qobject_cast<QPushButton*>(host->special("emailbut3"));
     ASSERT_TRUE(but);
-    EXPECT_EQ(but->geometry(), QRect(10, 40, 40, 20));
     EXPECT_FALSE(but->icon().isNull());
-    EXPECT_EQ(host->special("emailtextcc")->geometry(), QRect(10, 70, 100, 20));
     // Any other text selector is the subject field.
     EXPECT_EQ(host->special("emailtextsubject")->geometry(), QRect(10, 100, 100, 20));
-    EXPECT_EQ(host->special("emailhostdelete")->pos(), QPoint(5, 748));
-    EXPECT_EQ(host->special("emailedit")->geometry(), QRect(120, 10, 894, 748));
     EXPECT_FALSE(host->hasSpecial("emailbogus"));
     EXPECT_TRUE(host->special("emailedit")->isVisibleTo(host.get()));
 }
@@ -277,17 +245,17 @@ TEST_F(LayoutEngineTest, HostClosedDuringThePauseStopsTheBuild) {
     EXPECT_TRUE(guard.isNull());
 }
 
-TEST_F(LayoutEngineTest, AnimationSwitchesFromTheStartupSection) {
-    TempDir local;
-    const QString file = local.file("terminal.skn");
+// Catches the engine ignoring the switches of the section it is told to read
+// (dialogs use their own) and a missing key resetting the value.
+TEST_F(LayoutEngineTest, AnimationSwitchesFromTheNamedSection) {
+    const QString file = dir.file("terminal.skn");
     writeAll(file, "[STARTUP]\r\nAnimated=True\r\nAnimDelay=35\r\n");
     engine.readAnimation("STARTUP", file);
     EXPECT_TRUE(engine.context().animated);
-    EXPECT_EQ(engine.context().animDelay, 35);
     writeAll(file, "[STARTUP]\r\nAnimated=0\r\n");
     engine.readAnimation("STARTUP", file);
     EXPECT_FALSE(engine.context().animated);
-    EXPECT_EQ(engine.context().animDelay, 35); // missing keys leave the value
+    EXPECT_EQ(engine.context().animDelay, 35);
 }
 
 } // namespace

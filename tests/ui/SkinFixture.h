@@ -1,8 +1,7 @@
 #pragma once
 // A window host over the small test theme in tests/data/skins/Basic, with
 // real INI helpers, folders and a sound player.
-#include "TestSupport.h"
-#include "platform/SettingsStore.h"
+#include "IniFixture.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
 #include "ui/LayoutEngine.h"
@@ -14,12 +13,8 @@
 
 namespace mirel::test {
 
-class SkinFixture : public ::testing::Test {
-  protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
+class SkinFixture : public IniFixture {
+protected:
     Folders folders = [] {
         Folders f;
         f.ProgramDir = testData(QStringLiteral("skins"));

@@ -1,7 +1,6 @@
 #include "ui/SoundPlayer.h"
 
-#include "TestSupport.h"
-#include "platform/SettingsStore.h"
+#include "IniFixture.h"
 #include "settings/Folders.h"
 #include "settings/IniHelpers.h"
 
@@ -15,12 +14,8 @@ using namespace mirel::test;
 
 namespace {
 
-class SoundPlayerTest : public ::testing::Test {
-  protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
+class SoundPlayerTest : public IniFixture {
+protected:
     Folders folders;
     std::unique_ptr<SoundPlayer> player;
 

@@ -1,5 +1,6 @@
 #include "servers/DovecotServer.h"
 
+#include "TestSupport.h"
 #include "servers/LoopbackPort.h"
 
 #include <QDateTime>
@@ -68,39 +69,7 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
     m_tlsPort = tls ? freeLoopbackPort() : 0;
     const QByteArray loginUser =
         ::geteuid() == 0 ? QByteArray("nobody") : QByteArray(::getpwuid(::getuid())->pw_name);
-    QByteArray conf = R"(base_dir = @ROOT@/run
-state_dir = @ROOT@/state
-log_path = @ROOT@/dovecot.log
-protocols = pop3
-listen = 127.0.0.1
-default_login_user = @LOGIN@
-default_internal_user = @LOGIN@
-auth_mechanisms = plain login
-disable_plaintext_auth = no
-mail_location = maildir:~/Maildir
-first_valid_uid = 1
-service anvil {
-  chroot =
-}
-service pop3-login {
-  chroot =
-  inet_listener pop3 {
-    port = @PORT@
-  }
-  inet_listener pop3s {
-    port = @TLSPORT@
-    ssl = yes
-  }
-}
-passdb {
-  driver = passwd-file
-  args = scheme=PLAIN username_format=%u @ROOT@/passwd
-}
-userdb {
-  driver = static
-  args = uid=@UID@ gid=@GID@ home=@ROOT@/home/%u
-}
-)";
+    QByteArray conf = readAll(testData(QStringLiteral("servers/dovecot.conf")));
     conf.replace("@ROOT@", QFile::encodeName(root))
         .replace("@LOGIN@", loginUser)
         .replace("@TLSPORT@", QByteArray::number(m_tlsPort))
