@@ -27,7 +27,7 @@ namespace mirel {
 
 /// A parsed view of INI bytes with lookups and byte-preserving edits.
 class IniDocument {
-  public:
+public:
     explicit IniDocument(QByteArray bytes = {});
 
     /// One lookup straight on the bytes, without building the line table:
@@ -47,6 +47,9 @@ class IniDocument {
     /// folded to lower case, first key of a name wins: for reading a whole
     /// section without a lookup per key.
     QHash<QByteArray, QByteArray> sectionValues(QByteArrayView section) const;
+    /// The same answer as value(), from a hash of every section and key built
+    /// on the first call: for a document that answers many lookups.
+    std::optional<QByteArray> indexedValue(QByteArrayView section, QByteArrayView key) const;
 
     /// False when writing the text would change the file's structure rather
     /// than one value: a line break or NUL anywhere, "]" in a section name,
@@ -66,7 +69,7 @@ class IniDocument {
     /// Removes the header and every line up to the next section header.
     bool removeSection(QByteArrayView section);
 
-  private:
+private:
     enum class Kind { Blank, Comment, Section, Key };
     struct Line {
         qsizetype begin; // first byte of the line
@@ -109,6 +112,10 @@ class IniDocument {
     mutable bool m_dirty = true;
     mutable std::vector<Line> m_lines;
     mutable std::vector<Section> m_sections;
+    // Folded section name -> folded key name -> line, first of each name
+    // only; empty until indexedValue needs it, dropped with the line table.
+    mutable QHash<QByteArray, QHash<QByteArray, qsizetype>> m_index;
+    mutable bool m_indexed = false;
 };
 
 } // namespace mirel
