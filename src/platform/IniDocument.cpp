@@ -78,6 +78,10 @@ IniDocument::Line IniDocument::classify(const char* d, qsizetype pos, qsizetype 
 }
 
 QByteArray IniDocument::valueOf(QByteArrayView b, const Line& l) {
+    return unquoted(b, l).toByteArray();
+}
+
+QByteArrayView IniDocument::unquoted(QByteArrayView b, const Line& l) {
     qsizetype from = l.valueBegin, to = l.valueEnd;
     if (to - from >= 2) {
         const char q = b[from];
@@ -86,7 +90,27 @@ QByteArray IniDocument::valueOf(QByteArrayView b, const Line& l) {
             --to;
         }
     }
-    return b.sliced(from, to - from).toByteArray();
+    return b.sliced(from, to - from);
+}
+
+void IniDocument::forEachKey(QByteArrayView bytes, QByteArrayView section,
+                             const std::function<void(QByteArrayView, const QByteArrayView*)>& f) {
+    const char* d = bytes.data();
+    const qsizetype n = bytes.size();
+    bool inside = false;
+    for (qsizetype pos = firstLine(bytes); pos < n;) {
+        const Line l = classify(d, pos, n);
+        pos = l.next;
+        const QByteArrayView name(d + l.nameBegin, l.nameEnd - l.nameBegin);
+        if (l.kind == Kind::Section) {
+            if (inside)
+                return; // only the first section of a name counts
+            inside = equalsNoCase(name, section);
+        } else if (inside && l.kind == Kind::Key) {
+            const QByteArrayView value = l.valueBegin < 0 ? QByteArrayView() : unquoted(bytes, l);
+            f(name, l.valueBegin < 0 ? nullptr : &value);
+        }
+    }
 }
 
 IniDocument::Located IniDocument::locate(QByteArrayView bytes, QByteArrayView section,

@@ -20,6 +20,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -47,6 +48,13 @@ public:
     /// folded to lower case, first key of a name wins: for reading a whole
     /// section without a lookup per key.
     QHash<QByteArray, QByteArray> sectionValues(QByteArrayView section) const;
+    /// Calls f for every key line of the first section of that name, in file
+    /// order, straight on the bytes: names trimmed, values as value() gives
+    /// them, nullptr for a line without "=". Later lines of a name are
+    /// passed too; ignoring them is the caller's part.
+    static void
+    forEachKey(QByteArrayView bytes, QByteArrayView section,
+               const std::function<void(QByteArrayView name, const QByteArrayView* value)>& f);
     /// The same answer as value(), from a hash of every section and key built
     /// on the first call: for a document that answers many lookups.
     std::optional<QByteArray> indexedValue(QByteArrayView section, QByteArrayView key) const;
@@ -96,6 +104,7 @@ private:
     static Line classify(const char* d, qsizetype pos, qsizetype n);
     static qsizetype firstLine(QByteArrayView bytes);
     static QByteArray valueOf(QByteArrayView bytes, const Line& l);
+    static QByteArrayView unquoted(QByteArrayView bytes, const Line& l);
     void parse() const;
     void ensureParsed() const {
         if (m_dirty)
