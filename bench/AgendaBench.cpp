@@ -1,6 +1,7 @@
 // An agenda of 5,000 items (1,000 weekly): loading plus the present view,
 // and the overview refresh with 1,000 open tasks; beside reading and
-// decoding the same store once (the floor).
+// decoding the same store once (the floor). Loading is also swept over
+// 1,000 and 20,000 items: the ratio stays put when the cost is linear.
 #include "BenchMain.h"
 #include "organiser/AgendaStore.h"
 #include "organiser/Overview.h"
@@ -10,6 +11,9 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <map>
+#include <memory>
 
 using namespace mirel;
 
@@ -25,10 +29,10 @@ struct World {
     FixedClock clock{QDateTime(QDate(2006, 11, 16), QTime(12, 0))};
     Folders folders{dir.path(), QStringLiteral("\\themes\\Default\\")};
     OrganiserContext ctx{folders, ini, clock, sink};
-    World() {
+    explicit World(int items) {
         QDir().mkpath(dir.path() + QStringLiteral("/Mirel/Todo"));
-        QByteArray ini = "[AGENDA]\r\nID=5000\r\n";
-        for (int i = 0; i < 5000; ++i) {
+        QByteArray ini = "[AGENDA]\r\nID=" + QByteArray::number(items) + "\r\n";
+        for (int i = 0; i < items; ++i) {
             const bool weekly = i % 5 == 0;
             const QDate d = QDate(2006, 1, 1).addDays(i % 700);
             const QByteArray date = weekly ? "00000000" : d.toString("yyyyMMdd").toLatin1();
@@ -49,16 +53,19 @@ struct World {
     }
 };
 
-World& world() {
-    static World w;
-    return w;
+World& world(int items = 5000) {
+    static std::map<int, std::unique_ptr<World>> worlds;
+    std::unique_ptr<World>& w = worlds[items];
+    if (!w)
+        w = std::make_unique<World>(items);
+    return *w;
 }
 
 void BM_ReadAndDecodeFloor(benchmark::State& state) {
-    world();
+    World& w = world(int(state.range(0)));
     for (auto _ : state) {
         QByteArray bytes;
-        IniFile::load(world().dir.path() + QStringLiteral("/Mirel/agenda.ini"), bytes);
+        IniFile::load(w.dir.path() + QStringLiteral("/Mirel/agenda.ini"), bytes);
         qsizetype total = 0;
         for (const QByteArray& line : bytes.split('\n')) {
             const qsizetype eq = line.indexOf('=');
@@ -68,10 +75,10 @@ void BM_ReadAndDecodeFloor(benchmark::State& state) {
         benchmark::DoNotOptimize(total);
     }
 }
-BENCHMARK(BM_ReadAndDecodeFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReadAndDecodeFloor)->Arg(1000)->Arg(5000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
 void BM_LoadAndPresentView(benchmark::State& state) {
-    AgendaStore store(world().ctx);
+    AgendaStore store(world(int(state.range(0))).ctx);
     AgendaLists lists;
     SortedList sorted, rows{false};
     for (auto _ : state) {
@@ -80,8 +87,10 @@ void BM_LoadAndPresentView(benchmark::State& state) {
     }
     state.counters["rows"] = double(rows.size());
 }
-BENCHMARK(BM_LoadAndPresentView)->Unit(benchmark::kMillisecond);
-MIREL_BOUND(BM_LoadAndPresentView, BM_ReadAndDecodeFloor, 2);
+BENCHMARK(BM_LoadAndPresentView)->Arg(1000)->Arg(5000)->Arg(20000)->Unit(benchmark::kMillisecond);
+MIREL_FLOOR(BM_LoadAndPresentView / 1000, BM_ReadAndDecodeFloor / 1000);
+MIREL_BOUND(BM_LoadAndPresentView / 5000, BM_ReadAndDecodeFloor / 5000, 2);
+MIREL_FLOOR(BM_LoadAndPresentView / 20000, BM_ReadAndDecodeFloor / 20000);
 
 void BM_OverviewRefresh(benchmark::State& state) {
     AgendaStore store(world().ctx);
@@ -95,6 +104,6 @@ void BM_OverviewRefresh(benchmark::State& state) {
     state.counters["rows"] = double(rows.size());
 }
 BENCHMARK(BM_OverviewRefresh)->Unit(benchmark::kMillisecond);
-MIREL_BOUND(BM_OverviewRefresh, BM_ReadAndDecodeFloor, 2);
+MIREL_BOUND(BM_OverviewRefresh, BM_ReadAndDecodeFloor / 5000, 2);
 
 } // namespace

@@ -26,16 +26,30 @@ public:
         ConsoleReporter::ReportRuns(runs);
         for (const Run& r : runs)
             if (r.run_type == Run::RT_Iteration || r.aggregate_name == "mean")
-                times[r.run_name.function_name] = {r.GetAdjustedRealTime(),
-                                                   benchmark::GetTimeUnitString(r.time_unit)};
+                times[nameOf(r)] = {r.GetAdjustedRealTime(),
+                                    benchmark::GetTimeUnitString(r.time_unit)};
     }
     std::map<std::string, std::pair<double, const char*>> times;
+
+private:
+    // "BM_Name", or "BM_Name/4" for one size of a sweep, so each size has
+    // its own ratio.
+    static std::string nameOf(const Run& r) {
+        const std::string& args = r.run_name.args;
+        return args.empty() ? r.run_name.function_name : r.run_name.function_name + '/' + args;
+    }
 };
 
 } // namespace
 
 int registerFloor(const char* measured, const char* floor, double bound) {
-    floors().push_back({measured, floor, bound});
+    // A size in the name ("BM_Name/4") reaches here with the blanks the
+    // formatter puts around the slash.
+    const auto bare = [](std::string s) {
+        std::erase(s, ' ');
+        return s;
+    };
+    floors().push_back({bare(measured), bare(floor), bound});
     return 0;
 }
 

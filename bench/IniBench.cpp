@@ -1,7 +1,9 @@
 // "incomming.ini" grows by one key per received message and is read and
 // written through the INI helpers for every message. Measured on a file of
 // 50,000 keys: the lookup of a missing key and the write of a new key, beside
-// reading the file once into memory (the floor).
+// reading the file once into memory (the floor). A write is also set beside
+// the least any durable rewrite costs: reading the file, writing it out
+// again and waiting for the disk.
 #include "BenchMain.h"
 #include "platform/IniFile.h"
 #include "platform/SettingsStore.h"
@@ -9,6 +11,8 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <unistd.h>
 
 using namespace mirel;
 
@@ -71,5 +75,22 @@ void BM_WriteIniKeyNew(benchmark::State& state) {
 }
 BENCHMARK(BM_WriteIniKeyNew)->Unit(benchmark::kMicrosecond);
 MIREL_FLOOR(BM_WriteIniKeyNew, BM_ReadFileFloor);
+
+void BM_ReadWriteFsyncFloor(benchmark::State& state) {
+    Fixture& f = fixture();
+    const QString copy = f.dir.path() + QStringLiteral("/copy.ini");
+    for (auto _ : state) {
+        QFile in(f.file);
+        in.open(QIODevice::ReadOnly);
+        const QByteArray bytes = in.readAll();
+        QFile out(copy);
+        out.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        out.write(bytes);
+        out.flush();
+        ::fsync(out.handle());
+    }
+}
+BENCHMARK(BM_ReadWriteFsyncFloor)->Unit(benchmark::kMicrosecond);
+MIREL_BOUND(BM_WriteIniKeyNew, BM_ReadWriteFsyncFloor, 1.5);
 
 } // namespace

@@ -3,6 +3,8 @@
 #include "organiser/SortedList.h"
 #include "settings/CommaList.h"
 
+#include <cstring>
+
 namespace mirel {
 namespace {
 
@@ -52,11 +54,19 @@ QDateTime AgendaItem::toDateTime(const QByteArray& d, const QDate& today) {
 }
 
 QByteArray dateDigits(const QDate& d) {
-    return d.toString(QStringLiteral("yyyyMMdd")).toLatin1();
+    if (!d.isValid() || d.year() < 1 || d.year() > 9999)
+        return d.toString(QStringLiteral("yyyyMMdd")).toLatin1();
+    // Formatted by hand: the locale's date formatting costs more than the
+    // rest of building an agenda row.
+    char digits[8];
+    int v = d.year() * 10000 + d.month() * 100 + d.day();
+    for (int i = 7; i >= 0; --i, v /= 10)
+        digits[i] = char('0' + v % 10);
+    return QByteArray(digits, 8);
 }
 
 long entryDate(const QByteArray& entry) {
-    return leadingNumber(entry.left(8));
+    return leadingNumber(QByteArrayView(entry.constData(), std::min<qsizetype>(8, entry.size())));
 }
 
 QByteArray dayHeader(const QByteArray& entry) {
@@ -70,6 +80,32 @@ QByteArray dayHeader(const QByteArray& entry) {
 QByteArray occurrenceText(const AgendaItem& item) {
     return hhnn(item.start) + '-' + hhnn(item.end) + ' ' + QByteArray::number(item.priority) +
            "   " + item.firstLine();
+}
+
+} // namespace mirel
+
+namespace mirel {
+
+QByteArray entryOccurrenceText(QByteArrayView entry) {
+    QByteArrayView f[5]; // start, end, text, kind, priority
+    for (qsizetype k = 0, pos = 0; k < 5 && pos <= entry.size(); ++k) {
+        const void* sep = std::memchr(entry.data() + pos, kFieldSep, size_t(entry.size() - pos));
+        const qsizetype end = sep ? static_cast<const char*>(sep) - entry.data() : entry.size();
+        f[k] = entry.sliced(pos, end - pos);
+        pos = end + 1;
+    }
+    const auto mid = [](QByteArrayView v, qsizetype from, qsizetype len) {
+        return from >= v.size() ? QByteArrayView() : v.sliced(from, std::min(len, v.size() - from));
+    };
+    const void* cr = std::memchr(f[2].data(), '\r', size_t(f[2].size()));
+    const QByteArrayView firstLine =
+        cr ? f[2].first(static_cast<const char*>(cr) - f[2].data()) : f[2];
+    QByteArray out;
+    out.reserve(24 + firstLine.size());
+    out.append(mid(f[0], 8, 2)).append(':').append(mid(f[0], 10, 2)).append('-');
+    out.append(mid(f[1], 8, 2)).append(':').append(mid(f[1], 10, 2)).append(' ');
+    out.append(QByteArray::number(int(leadingNumber(f[4])))).append("   ").append(firstLine);
+    return out;
 }
 
 } // namespace mirel

@@ -42,5 +42,8 @@ long entryDate(const QByteArray& entry);
 QByteArray dayHeader(const QByteArray& entry);
 /// "HH:NN-HH:NN P   first line" as the agenda and overview rows show an item.
 QByteArray occurrenceText(const AgendaItem& item);
+/// occurrenceText(AgendaItem::parse(entry)), read straight from the entry:
+/// for lists that show thousands of rows.
+QByteArray entryOccurrenceText(QByteArrayView entry);
 
 } // namespace mirel

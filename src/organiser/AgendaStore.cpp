@@ -1,27 +1,95 @@
 #include "organiser/AgendaStore.h"
 
+#include "platform/CaseFold.h"
 #include "platform/IniFile.h"
 #include "settings/CommaList.h"
 #include "settings/TripletCodec.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace mirel {
+
+namespace {
+
+// A key the store writes for an item: decimal digits without a leading zero
+// (short enough that counting up to it is conceivable).
+bool isItemNumber(QByteArrayView name) {
+    if (name.isEmpty() || name.size() > 18 || name[0] == '0')
+        return false;
+    for (const char c : name)
+        if (c < '0' || c > '9')
+            return false;
+    return true;
+}
+
+// The first eight characters (the date) of an entry, without a copy.
+QByteArrayView datePart(const QByteArray& entry) {
+    return QByteArrayView(entry.constData(), std::min<qsizetype>(8, entry.size()));
+}
+
+// AgendaItem::parse(entry).weekdays without splitting the whole entry.
+std::array<bool, 7> weekdayFlags(QByteArrayView entry) {
+    std::array<bool, 7> flags{};
+    qsizetype pos = 0;
+    for (int field = 0; field < 12 && pos <= entry.size(); ++field) {
+        const void* sep = std::memchr(entry.data() + pos, kFieldSep, size_t(entry.size() - pos));
+        const qsizetype end = sep ? static_cast<const char*>(sep) - entry.data() : entry.size();
+        if (field >= 5)
+            flags[field - 5] = leadingNumber(entry.sliced(pos, end - pos)) != 0;
+        pos = end + 1;
+    }
+    return flags;
+}
+
+} // namespace
 
 void AgendaStore::load(AgendaLists& lists) const {
     lists.lstAgUnSort.clear();
     QByteArray bytes;
     IniFile::load(path(), bytes);
-    const QHash<QByteArray, QByteArray> keys = IniDocument(bytes).sectionValues("AGENDA");
-    const long n = leadingNumber(keys.value("id"));
-    // An "ID" far beyond the keys present must not cost a lookup per number.
+    // One pass over the section; the first line of a name hides later ones.
+    // Items are the keys "1".."ID" in number order, but no further than the
+    // highest number any key starts with.
+    struct Numbered {
+        long number;
+        QByteArrayView value;
+        bool hasValue;
+    };
+    std::vector<Numbered> numbered;
+    QHash<QByteArray, bool> others; // folded name -> its first line has a value
+    QByteArrayView id;
+    IniDocument::forEachKey(bytes, "AGENDA", [&](QByteArrayView name, const QByteArrayView* v) {
+        if (isItemNumber(name)) {
+            numbered.push_back({leadingNumber(name), v ? *v : QByteArrayView(), v != nullptr});
+            return;
+        }
+        QByteArray folded = toFolded(name);
+        if (others.contains(folded))
+            return;
+        if (v && folded == "id")
+            id = *v;
+        others.insert(std::move(folded), v != nullptr);
+    });
+    std::stable_sort(numbered.begin(), numbered.end(),
+                     [](const Numbered& a, const Numbered& b) { return a.number < b.number; });
+    numbered.erase(
+        std::unique(numbered.begin(), numbered.end(),
+                    [](const Numbered& a, const Numbered& b) { return a.number == b.number; }),
+        numbered.end());
     long highest = 0;
-    for (auto it = keys.keyBegin(); it != keys.keyEnd(); ++it)
-        highest = std::max(highest, leadingNumber(*it));
-    for (long p = 0; p < std::min(n, highest); ++p) {
-        const auto v = keys.constFind(QByteArray::number(p + 1));
-        if (v != keys.constEnd())
-            lists.lstAgUnSort.add(decodeTriplets(*v), int(lists.lstAgUnSort.size()));
+    for (auto it = others.cbegin(); it != others.cend(); ++it)
+        if (it.value())
+            highest = std::max(highest, leadingNumber(it.key()));
+    for (const Numbered& k : numbered)
+        if (k.hasValue)
+            highest = std::max(highest, k.number);
+    const long n = std::min(leadingNumber(id), highest);
+    for (const Numbered& k : numbered) {
+        if (k.number > n)
+            break;
+        if (k.hasValue)
+            lists.lstAgUnSort.add(decodeTriplets(k.value), int(lists.lstAgUnSort.size()));
     }
 
     const QDate today = m_ctx.clock.now().date();
@@ -35,9 +103,9 @@ void AgendaStore::load(AgendaLists& lists) const {
                 sorted.append(e);
             continue;
         }
-        const AgendaItem item = AgendaItem::parse(e.text);
+        const std::array<bool, 7> weekdays = weekdayFlags(e.text);
         for (int i = 0; i < 7; ++i) // Monday is 2 … Saturday 7, Sunday 1
-            if (item.weekdays[i])
+            if (weekdays[i])
                 weekly.append(
                     {QByteArray::number(i == 6 ? 1 : i + 2) + kFieldSep + e.text, e.itemData});
     }
@@ -54,11 +122,12 @@ void AgendaStore::load(AgendaLists& lists) const {
     lists.lstAgSorted.addAll(sorted);
 
     lists.lstAgenda.clear();
-    QByteArray previousDate;
+    QByteArrayView previousDate;
     for (const ListEntry& e : lists.lstAgSorted.entries()) {
-        if (e.text.left(8) != previousDate)
+        const QByteArrayView date = datePart(e.text);
+        if (date != previousDate)
             lists.lstAgenda.add(dayHeader(e.text), -1);
-        previousDate = e.text.left(8);
+        previousDate = date;
         lists.lstAgenda.add(e.text, e.itemData);
     }
 }
@@ -93,12 +162,13 @@ void AgendaStore::showList(const AgendaLists& lists, View view, SortedList& lstS
                 kept.append(*it);
         }
     }
-    QByteArray previousDate;
+    QByteArrayView previousDate;
     for (const ListEntry& e : kept) {
-        if (e.text.left(8) != previousDate)
+        const QByteArrayView date = datePart(e.text);
+        if (date != previousDate)
             rows.add(dayHeader(e.text), -1);
-        previousDate = e.text.left(8);
-        rows.add("    " + occurrenceText(AgendaItem::parse(e.text)), e.itemData);
+        previousDate = date;
+        rows.add("    " + entryOccurrenceText(e.text), e.itemData);
     }
 }
 

@@ -42,7 +42,7 @@ void Overview::refresh(const OverviewTexts& texts, const AgendaLists& agenda, So
     qsizetype count = 0;
     for (const ListEntry& e : agenda.lstAgenda.entries()) {
         if (e.text.contains(kFieldSep)) {
-            rows.add("    " + occurrenceText(AgendaItem::parse(e.text)),
+            rows.add("    " + entryOccurrenceText(e.text),
                      ("1" + QByteArray::number(e.itemData)).toInt());
             ++count;
         } else if (!e.text.isEmpty()) {
@@ -89,7 +89,7 @@ void Overview::refresh(const OverviewTexts& texts, const AgendaLists& agenda, So
     const QString dir = m_ctx.itemFolder("Todo");
     QList<ListEntry> open;
     for (const QString& f : TextFile::listFolder(dir)) {
-        const auto lines = TextFile::readLines(dir + QLatin1Char('/') + f);
+        const auto lines = TextFile::readHead(dir + QLatin1Char('/') + f, 2);
         if (lines && lines->value(0) == "0")
             open.append({lines->value(0) + lines->value(1) + kFieldSep + f.toLocal8Bit(), 0});
     }

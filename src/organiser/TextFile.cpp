@@ -5,6 +5,10 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace mirel {
 namespace {
 
@@ -48,6 +52,40 @@ std::optional<QByteArray> TextFile::readFirstLine(const QString& path, QString* 
         line.chop(1);
     chopCr(line);
     return line;
+}
+
+std::optional<QList<QByteArray>> TextFile::readHead(const QString& path, int count) {
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return std::nullopt;
+    QByteArray bytes;
+    bool whole = false;
+    char buf[4096];
+    for (;;) {
+        const ssize_t n = ::read(fd, buf, sizeof buf);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) { // a folder, or the disk failed
+            ::close(fd);
+            return std::nullopt;
+        }
+        if (n == 0) {
+            whole = true;
+            break;
+        }
+        bytes.append(buf, n);
+        if (bytes.count('\n') >= count)
+            break;
+    }
+    ::close(fd);
+    QList<QByteArray> lines = bytes.split('\n');
+    if (whole && !lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast(); // as readLines: a final line end starts no line
+    if (lines.size() > count)
+        lines.resize(count);
+    for (QByteArray& l : lines)
+        chopCr(l);
+    return lines;
 }
 
 bool TextFile::write(const QString& path, const QByteArray& bytes, QString* error) {

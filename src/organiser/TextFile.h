@@ -17,6 +17,9 @@ public:
                                                       QString* error = nullptr);
     /// The first line only (what lists show), reading no further than its end.
     static std::optional<QByteArray> readFirstLine(const QString& path, QString* error = nullptr);
+    /// The first count lines as readLines gives them, reading no further
+    /// than they reach: for lists that show the head of many files.
+    static std::optional<QList<QByteArray>> readHead(const QString& path, int count);
     /// Replaces the file with bytes atomically.
     static bool write(const QString& path, const QByteArray& bytes, QString* error = nullptr);
     /// Each line followed by CR LF.

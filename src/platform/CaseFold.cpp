@@ -42,6 +42,8 @@ bool equalsNoCase(QByteArrayView a, QByteArrayView b) {
 int compareNoCase(QByteArrayView a, QByteArrayView b) {
     const qsizetype n = std::min(a.size(), b.size());
     for (qsizetype i = 0; i < n; ++i) {
+        if (a[i] == b[i]) // sorted lists compare long equal prefixes
+            continue;
         const int d = int(kFold[static_cast<unsigned char>(a[i])]) -
                       int(kFold[static_cast<unsigned char>(b[i])]);
         if (d != 0)

@@ -78,6 +78,10 @@ IniDocument::Line IniDocument::classify(const char* d, qsizetype pos, qsizetype 
 }
 
 QByteArray IniDocument::valueOf(QByteArrayView b, const Line& l) {
+    return unquoted(b, l).toByteArray();
+}
+
+QByteArrayView IniDocument::unquoted(QByteArrayView b, const Line& l) {
     qsizetype from = l.valueBegin, to = l.valueEnd;
     if (to - from >= 2) {
         const char q = b[from];
@@ -86,7 +90,27 @@ QByteArray IniDocument::valueOf(QByteArrayView b, const Line& l) {
             --to;
         }
     }
-    return b.sliced(from, to - from).toByteArray();
+    return b.sliced(from, to - from);
+}
+
+void IniDocument::forEachKey(QByteArrayView bytes, QByteArrayView section,
+                             const std::function<void(QByteArrayView, const QByteArrayView*)>& f) {
+    const char* d = bytes.data();
+    const qsizetype n = bytes.size();
+    bool inside = false;
+    for (qsizetype pos = firstLine(bytes); pos < n;) {
+        const Line l = classify(d, pos, n);
+        pos = l.next;
+        const QByteArrayView name(d + l.nameBegin, l.nameEnd - l.nameBegin);
+        if (l.kind == Kind::Section) {
+            if (inside)
+                return; // only the first section of a name counts
+            inside = equalsNoCase(name, section);
+        } else if (inside && l.kind == Kind::Key) {
+            const QByteArrayView value = l.valueBegin < 0 ? QByteArrayView() : unquoted(bytes, l);
+            f(name, l.valueBegin < 0 ? nullptr : &value);
+        }
+    }
 }
 
 IniDocument::Located IniDocument::locate(QByteArrayView bytes, QByteArrayView section,
@@ -129,6 +153,8 @@ std::optional<QByteArray> IniDocument::lookup(QByteArrayView bytes, QByteArrayVi
 
 void IniDocument::parse() const {
     m_dirty = false;
+    m_indexed = false;
+    m_index.clear();
     m_lines.clear();
     m_sections.clear();
     const char* d = m_bytes.constData();
@@ -209,6 +235,34 @@ QHash<QByteArray, QByteArray> IniDocument::sectionValues(QByteArrayView section)
     return out;
 }
 
+std::optional<QByteArray> IniDocument::indexedValue(QByteArrayView section,
+                                                    QByteArrayView key) const {
+    ensureParsed();
+    if (!m_indexed) {
+        m_indexed = true;
+        for (const Section& s : m_sections) {
+            const QByteArray name = toFolded(nameOf(m_lines[s.headerLine]));
+            if (m_index.contains(name))
+                continue; // a later section of the same name is never read
+            QHash<QByteArray, qsizetype>& keys = m_index[name];
+            keys.reserve(s.endLine - s.headerLine);
+            for (qsizetype i = s.headerLine + 1; i < s.endLine; ++i)
+                if (m_lines[i].kind == Kind::Key) {
+                    QByteArray key = toFolded(nameOf(m_lines[i]));
+                    if (!keys.contains(key)) // the first key of a name hides the rest
+                        keys.insert(std::move(key), i);
+                }
+        }
+    }
+    const auto s = m_index.constFind(toFolded(section));
+    if (s == m_index.constEnd())
+        return std::nullopt;
+    const auto k = s->constFind(toFolded(key));
+    if (k == s->constEnd() || m_lines[*k].valueBegin < 0)
+        return std::nullopt;
+    return valueOf(m_bytes, m_lines[*k]);
+}
+
 QList<QByteArray> IniDocument::sectionNames() const {
     ensureParsed();
     QList<QByteArray> out;
@@ -244,8 +298,17 @@ bool IniDocument::setValues(QByteArrayView section,
             return false;
     // The last value given for a name wins, as if set one after another.
     QHash<QByteArray, qsizetype> pending; // folded name -> index into entries
-    for (qsizetype i = 0; i < entries.size(); ++i)
+    // Lengths of the names given: a line whose name has none of them is
+    // copied without folding it, so adding one key to a large section costs
+    // no allocation per line.
+    std::vector<bool> pendingLength;
+    for (qsizetype i = 0; i < entries.size(); ++i) {
         pending.insert(toFolded(entries[i].first), i);
+        const auto len = size_t(entries[i].first.size());
+        if (pendingLength.size() <= len)
+            pendingLength.resize(len + 1);
+        pendingLength[len] = true;
+    }
     auto entryLine = [&](qsizetype i, QByteArrayView name) {
         return name.toByteArray() + '=' + entries[i].second;
     };
@@ -264,7 +327,22 @@ bool IniDocument::setValues(QByteArrayView section,
         return out;
     };
 
-    const Located at = locate(m_bytes, section, {}, false);
+    const bool single = entries.size() == 1;
+    const Located at = locate(m_bytes, section, single ? entries[0].first : QByteArray(), single);
+    if (single && at.header) {
+        // One key: the pass that found the section also found the key or
+        // the place after the section's last line, so nothing is read twice.
+        if (at.key) {
+            const QByteArrayView name(m_bytes.constData() + at.key->nameBegin,
+                                      at.key->nameEnd - at.key->nameBegin);
+            replaceRange(at.key->begin, at.key->end, entryLine(0, name));
+        } else {
+            const bool hasEol = at.lastFilled->next != at.lastFilled->end;
+            replaceRange(at.lastFilled->next, at.lastFilled->next,
+                         (hasEol ? QByteArray() : kCrLf) + newLines());
+        }
+        return true;
+    }
     if (!at.header) {
         QByteArray add;
         if (!m_bytes.isEmpty() && !m_bytes.endsWith('\n'))
@@ -288,10 +366,12 @@ bool IniDocument::setValues(QByteArrayView section,
         const Line l = classify(d, pos, to);
         pos = l.next;
         const QByteArrayView name(d + l.nameBegin, l.nameEnd - l.nameBegin);
-        const qsizetype hit =
-            l.kind == Kind::Key ? pending.value(toFolded(name), -1) : qsizetype(-1);
+        const bool candidate = l.kind == Kind::Key && size_t(name.size()) < pendingLength.size() &&
+                               pendingLength[size_t(name.size())];
+        const QByteArray folded = candidate ? toFolded(name) : QByteArray();
+        const qsizetype hit = candidate ? pending.value(folded, -1) : qsizetype(-1);
         if (hit >= 0) {
-            pending.remove(toFolded(name));
+            pending.remove(folded);
             body += entryLine(hit, name);
             body += QByteArrayView(d + l.end, l.next - l.end);
         } else {

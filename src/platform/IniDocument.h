@@ -20,6 +20,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -27,7 +28,7 @@ namespace mirel {
 
 /// A parsed view of INI bytes with lookups and byte-preserving edits.
 class IniDocument {
-  public:
+public:
     explicit IniDocument(QByteArray bytes = {});
 
     /// One lookup straight on the bytes, without building the line table:
@@ -47,6 +48,16 @@ class IniDocument {
     /// folded to lower case, first key of a name wins: for reading a whole
     /// section without a lookup per key.
     QHash<QByteArray, QByteArray> sectionValues(QByteArrayView section) const;
+    /// Calls f for every key line of the first section of that name, in file
+    /// order, straight on the bytes: names trimmed, values as value() gives
+    /// them, nullptr for a line without "=". Later lines of a name are
+    /// passed too; ignoring them is the caller's part.
+    static void
+    forEachKey(QByteArrayView bytes, QByteArrayView section,
+               const std::function<void(QByteArrayView name, const QByteArrayView* value)>& f);
+    /// The same answer as value(), from a hash of every section and key built
+    /// on the first call: for a document that answers many lookups.
+    std::optional<QByteArray> indexedValue(QByteArrayView section, QByteArrayView key) const;
 
     /// False when writing the text would change the file's structure rather
     /// than one value: a line break or NUL anywhere, "]" in a section name,
@@ -66,7 +77,7 @@ class IniDocument {
     /// Removes the header and every line up to the next section header.
     bool removeSection(QByteArrayView section);
 
-  private:
+private:
     enum class Kind { Blank, Comment, Section, Key };
     struct Line {
         qsizetype begin; // first byte of the line
@@ -93,6 +104,7 @@ class IniDocument {
     static Line classify(const char* d, qsizetype pos, qsizetype n);
     static qsizetype firstLine(QByteArrayView bytes);
     static QByteArray valueOf(QByteArrayView bytes, const Line& l);
+    static QByteArrayView unquoted(QByteArrayView bytes, const Line& l);
     void parse() const;
     void ensureParsed() const {
         if (m_dirty)
@@ -109,6 +121,10 @@ class IniDocument {
     mutable bool m_dirty = true;
     mutable std::vector<Line> m_lines;
     mutable std::vector<Section> m_sections;
+    // Folded section name -> folded key name -> line, first of each name
+    // only; empty until indexedValue needs it, dropped with the line table.
+    mutable QHash<QByteArray, QHash<QByteArray, qsizetype>> m_index;
+    mutable bool m_indexed = false;
 };
 
 } // namespace mirel

@@ -3,10 +3,20 @@
 
 #include "platform/PathResolver.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
+#include <QMutex>
 #include <QSaveFile>
+#include <QThread>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <list>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mirel {
 namespace {
@@ -15,10 +25,145 @@ IniResult ioError(const QString& what, const QString& path, const QString& why) 
     return {IniResult::IoError, QStringLiteral("%1 \"%2\": %3").arg(what, path, why)};
 }
 
-// A writer that died holding the lock leaves it behind; after this long the
-// lock counts as stale (QLockFile also checks whether the owner still runs).
-constexpr int kStaleLockMs = 30000;
 constexpr int kLockWaitMs = 20000;
+
+// The writers' lock: a kernel lock on "<file>.lock". The kernel drops it
+// when its holder dies, so a killed writer never blocks the next one, and
+// taking it writes nothing, so a write waits for the disk once (for the
+// data), not twice. The holder removes the lock file; a waiter that got the
+// lock on a file already removed tries again on the new one.
+class WriterLock {
+public:
+    enum Status { Locked, Busy, Unwritable };
+    explicit WriterLock(const QString& path) : m_path(QFile::encodeName(path + ".lock")) {}
+    ~WriterLock() {
+        if (m_fd < 0)
+            return;
+        ::unlink(m_path.constData());
+        ::close(m_fd);
+    }
+    WriterLock(const WriterLock&) = delete;
+    WriterLock& operator=(const WriterLock&) = delete;
+
+    Status lock(int waitMs) {
+        const QDeadlineTimer deadline(waitMs);
+        for (;;) {
+            const int fd = ::open(m_path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+            if (fd < 0)
+                return Unwritable;
+            if (::flock(fd, LOCK_EX | LOCK_NB) == 0) {
+                struct stat held {
+                }, named{};
+                if (::fstat(fd, &held) == 0 && ::stat(m_path.constData(), &named) == 0 &&
+                    held.st_dev == named.st_dev && held.st_ino == named.st_ino) {
+                    m_fd = fd;
+                    return Locked;
+                }
+                ::close(fd); // removed by the holder before us: lock the new file
+                continue;
+            }
+            const bool busy = errno == EWOULDBLOCK;
+            ::close(fd);
+            if (!busy)
+                return Unwritable;
+            if (deadline.hasExpired())
+                return Busy;
+            QThread::msleep(2);
+        }
+    }
+
+private:
+    QByteArray m_path;
+    int m_fd = -1;
+};
+
+// Opens a file for reading with the errors every reader reports.
+IniResult openToRead(QFile& f, const QString& path, QIODevice::OpenMode extra = {}) {
+    if (!f.open(QIODevice::ReadOnly | extra)) {
+        if (!QFileInfo::exists(path))
+            return {IniResult::Missing, {}};
+        return ioError(QStringLiteral("Cannot read"), path, f.errorString());
+    }
+    if (QFileInfo(path).isDir())
+        return ioError(QStringLiteral("Cannot read"), path, QStringLiteral("is a folder"));
+    return {};
+}
+
+// Files read key by key ("incomming.ini" once per received message) keep
+// their last content here. The file is still read on every lookup and
+// compared with the kept bytes, so a change by another process or program is
+// never missed; what an unchanged file saves is the search through it. The
+// comparison goes through a small buffer, so an unchanged file costs no
+// allocation of its size either. A content seen twice gets a hash index.
+class ReadCache {
+public:
+    IniResult lookup(QFile& f, QByteArrayView section, QByteArrayView key,
+                     std::optional<QByteArray>& value) {
+        const QMutexLocker lock(&m_mutex);
+        auto it = m_files.begin();
+        while (it != m_files.end() && it->path != f.fileName())
+            ++it;
+        QByteArray bytes;
+        const bool same = it != m_files.end() && readUnchanged(f, it->doc.bytes(), bytes);
+        if (it == m_files.end())
+            bytes = f.readAll();
+        if (f.error() != QFileDevice::NoError)
+            return ioError(QStringLiteral("Cannot read"), f.fileName(), f.errorString());
+        if (same) {
+            m_files.splice(m_files.begin(), m_files, it);
+            value = it->doc.indexedValue(section, key);
+            return {};
+        }
+        if (it != m_files.end())
+            m_files.erase(it);
+        else if (m_files.size() >= kFiles)
+            m_files.pop_back();
+        // The first read of a content searches the bytes once, as cheap as
+        // it gets for a file that is about to change again.
+        value = IniDocument::lookup(bytes, section, key);
+        m_files.push_front({f.fileName(), IniDocument(std::move(bytes))});
+        return {};
+    }
+
+private:
+    // True when the file holds exactly kept; otherwise bytes gets its content.
+    static bool readUnchanged(QFile& f, const QByteArray& kept, QByteArray& bytes) {
+        if (f.size() != kept.size()) {
+            bytes = f.readAll();
+            return false;
+        }
+        char buf[64 * 1024];
+        qsizetype at = 0;
+        for (;;) {
+            const qint64 n = f.read(buf, sizeof buf);
+            if (n <= 0)
+                break;
+            if (at + n > kept.size() || std::memcmp(buf, kept.constData() + at, size_t(n)) != 0) {
+                bytes = kept.left(at);
+                bytes.append(buf, n).append(f.readAll());
+                return false;
+            }
+            at += n;
+        }
+        if (at == kept.size())
+            return true;
+        bytes = kept.left(at); // the file shrank while it was read
+        return false;
+    }
+
+    static constexpr size_t kFiles = 8;
+    struct Entry {
+        QString path;
+        IniDocument doc;
+    };
+    QMutex m_mutex;
+    std::list<Entry> m_files; // most recently used first
+};
+
+ReadCache& readCache() {
+    static ReadCache cache;
+    return cache;
+}
 
 } // namespace
 
@@ -26,27 +171,24 @@ IniResult IniFile::load(const QString& rawPath, QByteArray& bytes) {
     bytes.clear();
     const QString path = resolvePath(rawPath);
     QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) {
-        if (!QFileInfo::exists(path))
-            return {IniResult::Missing, {}};
-        return ioError(QStringLiteral("Cannot read"), path, f.errorString());
-    }
-    if (QFileInfo(path).isDir())
-        return ioError(QStringLiteral("Cannot read"), path, QStringLiteral("is a folder"));
+    if (IniResult r = openToRead(f, path); !r)
+        return r;
     bytes = f.readAll();
     if (f.error() != QFileDevice::NoError)
         return ioError(QStringLiteral("Cannot read"), path, f.errorString());
     return {};
 }
 
-IniResult IniFile::read(const QString& path, QByteArrayView section, QByteArrayView key,
+IniResult IniFile::read(const QString& rawPath, QByteArrayView section, QByteArrayView key,
                         QByteArray& value) {
     value.clear();
-    QByteArray bytes;
-    IniResult r = load(path, bytes);
-    if (!r)
+    const QString path = resolvePath(rawPath);
+    QFile f(path);
+    std::optional<QByteArray> v;
+    if (IniResult r = openToRead(f, path, QIODevice::Unbuffered); !r)
         return r;
-    const auto v = IniDocument::lookup(bytes, section, key);
+    if (IniResult r = readCache().lookup(f, section, key, v); !r)
+        return r;
     if (!v)
         return {IniResult::Missing, {}};
     value = *v;
@@ -72,13 +214,11 @@ IniResult IniFile::save(const QString& rawPath, const QByteArray& bytes) {
 IniResult IniFile::modify(const QString& rawPath,
                           const std::function<IniResult(IniDocument&, bool)>& edit) {
     const QString path = resolvePath(rawPath);
-    QLockFile lock(path + QStringLiteral(".lock"));
-    lock.setStaleLockTime(kStaleLockMs);
-    if (!lock.tryLock(kLockWaitMs))
+    WriterLock lock(path);
+    if (const WriterLock::Status st = lock.lock(kLockWaitMs); st != WriterLock::Locked)
         return ioError(QStringLiteral("Cannot lock"), path,
-                       lock.error() == QLockFile::LockFailedError
-                           ? QStringLiteral("another program holds the lock")
-                           : QStringLiteral("the folder is not writable"));
+                       st == WriterLock::Busy ? QStringLiteral("another program holds the lock")
+                                              : QStringLiteral("the folder is not writable"));
     QByteArray bytes;
     const IniResult loaded = load(path, bytes);
     if (loaded.status == IniResult::IoError)

@@ -2,8 +2,8 @@
 // File access for INI files: reads without a lock (files are only ever
 // replaced whole, so a reader sees the old file or the new one), writes as a
 // locked read-modify-write that replaces the file atomically. The lock is a
-// QLockFile beside the file, so two processes writing keys into the same file
-// never lose each other's keys.
+// kernel lock on a file beside it, so two processes writing keys into the
+// same file never lose each other's keys.
 #include "platform/IniDocument.h"
 
 #include <QString>

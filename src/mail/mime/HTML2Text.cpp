@@ -6,6 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace mirel {
 namespace {
 
@@ -67,10 +71,6 @@ int entityChar(std::string_view name) {
     return static_cast<unsigned char>(it->ch);
 }
 
-bool isSpecial(char c) {
-    return c == ' ' || c == '\r' || c == '\n' || c == '<' || c == '&';
-}
-
 char lowerAscii(char c) {
     return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c;
 }
@@ -84,40 +84,121 @@ bool equalsLower(std::string_view text, std::string_view lower) {
     return true;
 }
 
-// First position at or after from where lower (lower-case ASCII, beginning
-// with '<') stands in text regardless of case; npos when nowhere.
-size_t findLower(std::string_view text, size_t from, std::string_view lower) {
-    while (from < text.size()) {
-        const void* hit = std::memchr(text.data() + from, lower[0], text.size() - from);
-        if (!hit)
-            break;
-        const size_t at = size_t(static_cast<const char*>(hit) - text.data());
-        if (equalsLower(text.substr(at, lower.size()), lower))
-            return at;
-        from = at + 1;
+#if defined(__SSE2__)
+// Finds the places where the first three characters of a lower-case tag
+// name stand (any case for a letter), sixteen places at a time.
+class TagStarts {
+public:
+    explicit TagStarts(std::string_view lower) {
+        for (int k = 0; k < 3; ++k) {
+            const bool letter = lower[k] >= 'a' && lower[k] <= 'z';
+            m_fold[k] = _mm_set1_epi8(letter ? 0x20 : 0);
+            m_char[k] = _mm_set1_epi8(lower[k]);
+        }
     }
+    // Bit k set where p[k..k+2] match; reads p[0..17].
+    unsigned at(const char* p) const {
+        __m128i all = match(p, 0);
+        all = _mm_and_si128(all, match(p, 1));
+        return unsigned(_mm_movemask_epi8(_mm_and_si128(all, match(p, 2))));
+    }
+
+private:
+    __m128i match(const char* p, int k) const {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + k));
+        return _mm_cmpeq_epi8(_mm_or_si128(v, m_fold[k]), m_char[k]);
+    }
+    __m128i m_fold[3], m_char[3];
+};
+#endif
+
+// First position at or after from where lower (lower-case ASCII, beginning
+// with '<' and at least three long) stands in text regardless of case; npos
+// when nowhere. HTML is full of '<', so the scan looks for the first three
+// characters together.
+size_t findLower(std::string_view text, size_t from, std::string_view lower) {
+    const size_t n = text.size();
+#if defined(__SSE2__)
+    const TagStarts starts(lower);
+    for (; from + 18 <= n; from += 16)
+        for (unsigned bits = starts.at(text.data() + from); bits; bits &= bits - 1) {
+            const size_t at = from + size_t(__builtin_ctz(bits));
+            if (equalsLower(text.substr(at, lower.size()), lower))
+                return at;
+        }
+#endif
+    for (; from < n; ++from)
+        if (text[from] == '<' && equalsLower(text.substr(from, lower.size()), lower))
+            return from;
     return std::string_view::npos;
+}
+
+// The first position of ch at or after from; end when there is none. Inline
+// rather than memchr: the '>' of a tag is mostly a few bytes away.
+size_t findByte(std::string_view text, size_t from, char ch) {
+    const size_t n = text.size();
+#if defined(__SSE2__)
+    const __m128i c = _mm_set1_epi8(ch);
+    for (; from + 16 <= n; from += 16) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + from));
+        if (const unsigned bits = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(v, c))))
+            return from + size_t(__builtin_ctz(bits));
+    }
+#endif
+    while (from < n && text[from] != ch)
+        ++from;
+    return from;
+}
+
+// Where the plain text that starts at i ends: at '<', '&', a line break or a
+// second blank in a row (a single blank is text like any letter). The run is
+// copied to o on the way; o has room for sixteen bytes more than it gets.
+size_t copyText(std::string_view s, size_t i, char*& o) {
+    const size_t n = s.size();
+#if defined(__SSE2__)
+    const __m128i lt = _mm_set1_epi8('<'), amp = _mm_set1_epi8('&'), cr = _mm_set1_epi8('\r'),
+                  lf = _mm_set1_epi8('\n'), sp = _mm_set1_epi8(' ');
+    for (; i + 17 <= n; i += 16, o += 16) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s.data() + i));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s.data() + i + 1));
+        const __m128i stop =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(a, lt), _mm_cmpeq_epi8(a, amp)),
+                         _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(a, cr), _mm_cmpeq_epi8(a, lf)),
+                                      _mm_and_si128(_mm_cmpeq_epi8(a, sp), _mm_cmpeq_epi8(b, sp))));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(o), a);
+        if (const unsigned bits = unsigned(_mm_movemask_epi8(stop))) {
+            const unsigned k = unsigned(__builtin_ctz(bits));
+            o += k;
+            return i + k;
+        }
+    }
+#endif
+    for (; i < n; ++i) {
+        const char c = s[i];
+        if (c == '<' || c == '&' || c == '\r' || c == '\n' ||
+            (c == ' ' && i + 1 < n && s[i + 1] == ' '))
+            break;
+        *o++ = c;
+    }
+    return i;
 }
 
 /// The next position of one character at or after a cursor that only moves
 /// forward. Each byte is searched at most once, which is what keeps a
 /// document full of '<' without any '>' (or '&' without ';') linear.
 class NextOf {
-  public:
+public:
     NextOf(std::string_view text, char ch) : m_text(text), m_ch(ch) {}
 
     size_t from(size_t i) {
         if (!m_searched || m_found < i) {
             m_searched = true;
-            const void* hit = i < m_text.size()
-                                  ? std::memchr(m_text.data() + i, m_ch, m_text.size() - i)
-                                  : nullptr;
-            m_found = hit ? size_t(static_cast<const char*>(hit) - m_text.data()) : m_text.size();
+            m_found = findByte(m_text, i, m_ch);
         }
         return m_found; // m_text.size() when there is none
     }
 
-  private:
+private:
     std::string_view m_text;
     char m_ch;
     size_t m_found = 0;
@@ -140,9 +221,10 @@ QByteArray HTML2Text(QByteArrayView html) {
         s = s.substr(0, end);
 
     // The longest piece per input byte is the blank line of "<p>": four
-    // bytes for three, so this size is never outgrown.
+    // bytes for three, so this size (and sixteen for copyText) is never
+    // outgrown.
     const size_t n = s.size();
-    QByteArray out(qsizetype(n + n / 3 + 8), Qt::Uninitialized);
+    QByteArray out(qsizetype(n + n / 3 + 8 + 16), Qt::Uninitialized);
     char* const first = out.data();
     char* o = first;
     auto put = [&o](std::string_view piece) {
@@ -153,6 +235,9 @@ QByteArray HTML2Text(QByteArrayView html) {
     NextOf nextGt(s, '>'), nextSemi(s, ';'), nextSpace(s, ' ');
     size_t i = 0;
     while (i < n) {
+        i = copyText(s, i, o);
+        if (i == n)
+            break;
         const char c = s[i++];
         switch (c) {
         case ' ':
@@ -197,15 +282,8 @@ QByteArray HTML2Text(QByteArrayView html) {
             }
             break;
         }
-        default: {
-            // Plain text comes in runs; copy a run at once.
-            size_t j = i;
-            while (j < n && !isSpecial(s[j]))
-                ++j;
-            *o++ = c;
-            put(s.substr(i, j - i));
-            i = j;
-        }
+        default: // copyText stops at nothing else
+            break;
         }
     }
     out.truncate(o - first);
