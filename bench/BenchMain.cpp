@@ -72,7 +72,8 @@ int main(int argc, char** argv) {
         // "bound" marks the lines `make bench` gathers into its closing summary.
         if (bound > 0)
             std::printf("  bound %5.2fx %s", bound, ratio <= bound ? "pass" : "FAIL");
-        std::printf("\n");
+        // A path may be held against more than one floor: name the one used.
+        std::printf("  vs %s\n", f.c_str());
     }
     benchmark::Shutdown();
     return 0;
