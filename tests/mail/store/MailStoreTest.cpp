@@ -32,16 +32,6 @@ protected:
         clock.advanceSeconds(1);
         return id.value_or(-1);
     }
-
-    std::vector<std::string> schema(const QString& file) {
-        SQLite::Database db(file.toStdString());
-        SQLite::Statement st(db, "SELECT sql FROM sqlite_master WHERE sql IS NOT NULL AND name NOT "
-                                 "LIKE 'sqlite_%' ORDER BY name");
-        std::vector<std::string> out;
-        while (st.executeStep())
-            out.push_back(st.getColumn(0).getString());
-        return out;
-    }
 };
 
 TEST_F(MailStoreTest, StartupBuildsTheFolderTreeAndReadsTheAccountList) {
@@ -58,32 +48,6 @@ TEST_F(MailStoreTest, StartupBuildsTheFolderTreeAndReadsTheAccountList) {
     EXPECT_TRUE(sink.shown.empty());
 }
 
-TEST_F(MailStoreTest, TablesCarryTheFieldsIndexesAndDefaults) {
-    const auto index = schema(store.databasePath("0", "index.mdb"));
-    ASSERT_EQ(index.size(), 2u);
-    EXPECT_NE(index[0].find(R"("ID" INTEGER PRIMARY KEY AUTOINCREMENT)"), std::string::npos);
-    EXPECT_NE(index[0].find(R"("Attachments" INTEGER DEFAULT 0, "Readed" SMALLINT DEFAULT 0)"),
-              std::string::npos);
-    EXPECT_NE(index[1].find(R"(CREATE INDEX "RealDate")"), std::string::npos);
-    const auto atts = schema(store.databasePath("0", "attachments.mdb"));
-    ASSERT_EQ(atts.size(), 2u);
-    EXPECT_NE(atts[1].find(R"(CREATE INDEX "ID" ON "Attachments")"), std::string::npos);
-
-    // Unset fields keep their defaults; the lower-case spellings the mail
-    // code uses reach the same table.
-    NewIndexFields only;
-    only.subject = "just a subject";
-    const qint32 id = *store.createMessage("1", only, {}, {});
-    SQLite::Database db(store.databasePath("1", "index.mdb").toStdString());
-    SQLite::Statement st(db, "SELECT subject, [from] IS NULL, attachments, readed FROM [index] "
-                             "WHERE id = " +
-                                 std::to_string(id));
-    ASSERT_TRUE(st.executeStep());
-    EXPECT_EQ(st.getColumn(1).getInt(), 1);
-    EXPECT_EQ(st.getColumn(2).getInt(), 0);
-    EXPECT_EQ(st.getColumn(3).getInt(), 0);
-}
-
 TEST_F(MailStoreTest, ExistingDataFileIsNotRepaired) {
     QFile::remove(store.databasePath("2", "index.mdb"));
     store.MailStoreStartup(ini);
@@ -94,10 +58,6 @@ TEST_F(MailStoreTest, ExistingDataFileIsNotRepaired) {
     EXPECT_TRUE(QFileInfo::exists(store.databasePath("2", "index.mdb")));
     EXPECT_GT(QFileInfo(store.databasePath("2", "data.mdb")).size(), 0);
 }
-
-// Every byte value through bodies and attachments is the corpus test's
-// (attachments of all 256 values, compared by digest) and the broken-mail
-// test's (a NUL in the body).
 
 TEST_F(MailStoreTest, EmptyBodiesStayUnassigned) {
     const qint32 id = add("0", "empty", {{"name=\"e\"", {}}});

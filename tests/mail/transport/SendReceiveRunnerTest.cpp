@@ -236,6 +236,8 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
                                                      "+OK\r\nSubject: x\r\n\r\nhal"},
                            ScriptedServer::Ending::HangUp);
     ScriptedServer silent(greeting, {}, ScriptedServer::Ending::Silence);
+    ScriptedServer garbled(greeting, login + QList<QByteArray>{"+OK lots\r\n"},
+                           ScriptedServer::Ending::HangUp);
 
     // Each line says in words what went wrong and where (no "AsyncError (7)").
     struct Case {
@@ -253,6 +255,8 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
          "DS1: The server closed the connection before the end of message 2"},
         {"server that never answers", local(silent.port()), "pw",
          "DS1: No answer from 127.0.0.1 port " + QByteArray::number(silent.port())},
+        {"a message count that is no number", local(garbled.port()), "pw",
+         "DS1: The server's message count is not a number"},
     };
     for (const Case& c : cases) {
         const Outcome r = run({ann(c.server, local(closedPort), true, c.password)});
