@@ -214,34 +214,19 @@ TEST(SendReceiveSession, APop3ErrorFreezesTheSession) {
     }
 }
 
-TEST(SendReceiveSession, AccountsWithoutAPop3ServerEndTheReceivePhase) {
-    struct Case {
-        QList<QByteArray> accounts;
-        QByteArray expectedPop3; // hosts connected, in order
-        bool sends;
-    };
-    const Case cases[] = {
-        {{}, "", false}, // no account: over at once, nothing sent
-        {{account("a", "", false)}, "", true},
-        {{account("a", "p1", false), account("b", "", false), account("c", "p3", false)},
-         "p1",
-         true},
-    };
-    for (const Case& c : cases) {
-        World w;
-        SendReceiveSession s(EmailAccountList(c.accounts), {"\"Ann\" <a@x>|1"}, kTexts, w);
-        w.run(s);
-        QByteArray hosts;
-        bool sent = false;
-        for (const QByteArray& a : w.actions) {
-            if (a.startsWith("pop3 3 "))
-                hosts += a.mid(7, a.indexOf(':') - 7);
-            sent = sent || a.startsWith("send");
-        }
-        EXPECT_EQ(hosts, c.expectedPop3);
-        EXPECT_EQ(sent, c.sends);
-        EXPECT_TRUE(w.over);
-    }
+// Catches accounts served past one without a POP3 server, or the outbox
+// not sent after it. (No account at all is the window test's; one without a
+// POP3 server that sends is the real runs'.)
+TEST(SendReceiveSession, AnAccountWithoutAPop3ServerEndsTheReceivePhase) {
+    World w;
+    SendReceiveSession s(EmailAccountList({account("a", "p1", false), account("b", "", false),
+                                           account("c", "p3", false)}),
+                         {"\"Ann\" <a@x>|1"}, kTexts, w);
+    w.run(s);
+    const std::string actions = joined(w.actions);
+    EXPECT_EQ(actions.find(" p3:"), std::string::npos) << actions;
+    EXPECT_NE(actions.find("send 1"), std::string::npos) << actions;
+    EXPECT_TRUE(w.over);
 }
 
 } // namespace
