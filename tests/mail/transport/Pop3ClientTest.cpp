@@ -1,8 +1,12 @@
 #include "platform/Pop3Client.h"
+#include "platform/SmtpClient.h"
 
+#include "MailStoreFixture.h"
 #include "servers/DovecotServer.h"
 #include "servers/LoopbackPort.h"
 
+#include <QJsonArray>
+#include <QMap>
 #include <gtest/gtest.h>
 
 using namespace mirel;
@@ -91,28 +95,18 @@ TEST_F(Pop3ClientTest, MessageAboveTheSizeLimitStaysOnTheServer) {
     EXPECT_EQ(server.messagesOf("ann"), 3);
 }
 
-// A wrong password and a closed port are the whole send/receive runs' fault
-// rows; they check the words the user reads.
 // Catches TLS chosen by the wrong port or mode, and an IPv6 host unbracketed.
-TEST(Pop3ClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
-    struct Case {
-        QByteArray host;
-        int port;
-        MailServer::Tls tls;
-        const char* url;
-    } cases[] = {
-        {"pop.example.org", 995, MailServer::Tls::ByPort, "pop3s://pop.example.org:995/7"},
-        {"pop.example.org", 110, MailServer::Tls::ByPort, "pop3://pop.example.org:110/7"},
-        {"127.0.0.1", 2110, MailServer::Tls::Implicit, "pop3s://127.0.0.1:2110/7"},
-        {"127.0.0.1", 995, MailServer::Tls::WhenOffered, "pop3://127.0.0.1:995/7"},
-        {"::1", 110, MailServer::Tls::ByPort, "pop3://[::1]:110/7"},
-    };
-    for (const Case& c : cases) {
+TEST(MailClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
+    const QMap<QString, MailServer::Tls> modes = {{"ByPort", MailServer::Tls::ByPort},
+                                                  {"Implicit", MailServer::Tls::Implicit},
+                                                  {"WhenOffered", MailServer::Tls::WhenOffered}};
+    for (const QJsonValue r : jsonTestData("mail/server-urls.json")["urls"].toArray()) {
         MailServer s;
-        s.host = c.host;
-        s.port = c.port;
-        s.tls = c.tls;
-        EXPECT_EQ(Pop3Client::urlFor(s, 7), c.url);
+        s.host = r[1].toString().toLatin1();
+        s.port = r[2].toInt();
+        s.tls = modes.value(r[3].toString());
+        EXPECT_EQ(r[0] == "pop3" ? Pop3Client::urlFor(s, 7) : SmtpClient::urlFor(s),
+                  r[4].toString().toLatin1());
     }
 }
 

@@ -191,18 +191,6 @@ TEST_F(SmtpClientTest, NothingToSendOrNobodyListening) {
     EXPECT_EQ(smtp.send(server(freeLoopbackPort()), m, now).number, CURLE_READ_ERROR);
 }
 
-// Catches TLS on port 465 not started from the first byte.
-TEST(SmtpClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
-    MailServer s;
-    s.host = "smtp.example.org";
-    s.port = 465;
-    EXPECT_EQ(SmtpClient::urlFor(s), "smtps://smtp.example.org:465");
-    s.port = 587;
-    EXPECT_EQ(SmtpClient::urlFor(s), "smtp://smtp.example.org:587");
-    s.tls = MailServer::Tls::Implicit;
-    EXPECT_EQ(SmtpClient::urlFor(s), "smtps://smtp.example.org:587");
-}
-
 // Catches a peer that stops in the middle passed off as a send, or waited
 // on past the time limits. (The POP3 side is the send/receive runs' rows.)
 TEST(SmtpClientFaults, PeerThatDropsOrStalls) {
