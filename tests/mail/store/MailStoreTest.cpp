@@ -34,6 +34,8 @@ protected:
     }
 };
 
+// Catches a fixed folder or the blank page not made at start-up, and account
+// keys read past the first gap.
 TEST_F(MailStoreTest, StartupBuildsTheFolderTreeAndReadsTheAccountList) {
     for (const char* k : {"0", "1", "2", "3"})
         for (const char* f : {"index.mdb", "data.mdb", "attachments.mdb"})
@@ -48,6 +50,8 @@ TEST_F(MailStoreTest, StartupBuildsTheFolderTreeAndReadsTheAccountList) {
     EXPECT_TRUE(sink.shown.empty());
 }
 
+// Catches a folder "repaired" over files that are still there, and an empty
+// data file taken for a working one.
 TEST_F(MailStoreTest, ExistingDataFileIsNotRepaired) {
     QFile::remove(store.databasePath("2", "index.mdb"));
     store.MailStoreStartup(ini);
@@ -59,6 +63,8 @@ TEST_F(MailStoreTest, ExistingDataFileIsNotRepaired) {
     EXPECT_GT(QFileInfo(store.databasePath("2", "data.mdb")).size(), 0);
 }
 
+// Catches empty bodies and attachments written as empty values instead of
+// left NULL, as the files have always held them.
 TEST_F(MailStoreTest, EmptyBodiesStayUnassigned) {
     const qint32 id = add("0", "empty", {{"name=\"e\"", {}}});
     SQLite::Database db(store.databasePath("0", "data.mdb").toStdString());
@@ -72,6 +78,8 @@ TEST_F(MailStoreTest, EmptyBodiesStayUnassigned) {
     EXPECT_EQ(at.getColumn(0).getInt(), 1);
 }
 
+// Catches a list sorted by the Date text or the ID, ties broken the wrong
+// way, and the outbox sent in another order than it was written.
 TEST_F(MailStoreTest, ListIsNewestFirstAndOutboxIsInStoredOrder) {
     const qint32 a = add("1", "first");
     const qint32 b = add("1", "second");
@@ -92,6 +100,8 @@ TEST_F(MailStoreTest, ListIsNewestFirstAndOutboxIsInStoredOrder) {
                                  "\"Ann\" <ann@example.org>|" + QByteArray::number(c)}));
 }
 
+// Catches a move that leaves rows behind, loses the read mark or stored
+// time, or reuses an ID.
 TEST_F(MailStoreTest, MoveGivesANewIdAndTakesEveryRowAlong) {
     const qint32 inDest = add("3", "already in 3"); // the destination's counter is ahead
     const qint32 id =
@@ -121,6 +131,8 @@ TEST_F(MailStoreTest, MoveGivesANewIdAndTakesEveryRowAlong) {
     EXPECT_FALSE(store.MoveMessage("0", "3", id).has_value());
 }
 
+// Catches a delete that stops at a missing row or takes another message's
+// attachments.
 TEST_F(MailStoreTest, DeleteRemovesAllRowsAndSkipsMissingOnes) {
     const qint32 id = add("3", "gone", {{"a", "1"}, {"b", "2"}}, {0, "t", {}, {}});
     const qint32 keep = add("3", "stays", {{"c", "3"}});
@@ -134,6 +146,8 @@ TEST_F(MailStoreTest, DeleteRemovesAllRowsAndSkipsMissingOnes) {
     EXPECT_TRUE(sink.shown.empty());
 }
 
+// Catches a locked or broken file that hangs, crashes or blocks the other
+// folders, and a folder made by merely listing it.
 TEST_F(MailStoreTest, LockedOrCorruptFileEndsTheOperationWithAMessage) {
     const qint32 id = add("0", "inbox message");
     add("2", "sent message");
@@ -168,6 +182,8 @@ TEST_F(MailStoreTest, LockedOrCorruptFileEndsTheOperationWithAMessage) {
     EXPECT_FALSE(QFileInfo::exists(store.databasePath("Archive", "index.mdb")));
 }
 
+// Catches a user folder missed for the case of its name, and a move onto
+// itself that duplicates the message.
 TEST_F(MailStoreTest, UserFolderIsFoundWithoutRegardToCase) {
     QDir(root()).mkpath("Email/Archive");
     for (auto create : {&MailStore::CreateDataDatabase, &MailStore::CreateIndexDatabase,

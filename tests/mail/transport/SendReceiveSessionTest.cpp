@@ -188,6 +188,8 @@ TEST(SendReceiveSession, DeletesOnlyWhatTheStoreTookOrKnew) {
     }
 }
 
+// Catches a session that goes on to the next account or the outbox after a
+// POP3 error at any step, or that acts on events arriving after it froze.
 TEST(SendReceiveSession, APop3ErrorFreezesTheSession) {
     // The n-th POP3 action fails: log-in, a fetch, a delete, the log-out.
     for (int failAt : {1, 2, 3, 4}) {
