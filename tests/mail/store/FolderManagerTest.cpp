@@ -141,6 +141,8 @@ TEST_F(MailFolders, AttachmentFiles) {
     EXPECT_FALSE(error.isEmpty());
 }
 
+// Catches a fixed folder shown under its key, and a user folder taken for a
+// fixed one.
 TEST(FolderNamesTest, DisplayNamesAndKeys) {
     const FolderNames names({"In", "", "Sent", "Bin"});
     EXPECT_EQ(names.displayName("1"), "Outbox");

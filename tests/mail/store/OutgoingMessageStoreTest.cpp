@@ -6,6 +6,7 @@
 #include "settings/IniHelpers.h"
 
 #include <QDir>
+#include <QJsonArray>
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 #include <gtest/gtest.h>
@@ -35,36 +36,18 @@ protected:
     }
 };
 
-// Catches CC/BCC lines written when empty, or in the other order.
-TEST(OutgoingMessageRules, HeaderText) {
-    const struct {
-        const char *cc, *bcc, *expected;
-    } rows[] = {
-        {"", "", "X-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
-        {"ann@x.org", "", "CC: ann@x.org\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
-        {"", "bob@y.net", "BCC: bob@y.net\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
-        {"ann@x.org, cy@z", "bob@y.net",
-         "CC: ann@x.org, cy@z\r\nBCC: bob@y.net\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n"},
-    };
-    for (const auto& r : rows)
-        EXPECT_EQ(OutgoingMessageStore::headerText(r.cc, r.bcc), r.expected) << r.cc << r.bcc;
-}
-
-// Catches the sender's folder names sent along with an attachment.
-TEST(OutgoingMessageRules, AttachmentFileNameLosesItsFolders) {
-    const struct {
-        QString path;
-        QByteArray expected;
-    } rows[] = {
-        {"/home/ann/docs/report.pdf", "name=\"report.pdf\""},
-        {"C:\\My Documents\\report.pdf", "name=\"report.pdf\""},
-        {"report.pdf", "name=\"report.pdf\""},
-        {"/tmp/a\\b.txt", "name=\"b.txt\""},
-        {QString::fromUtf8("/tmp/caf\u00e9 menu.txt"), "name=\"caf\xe9 menu.txt\""},
-    };
-    for (const auto& r : rows)
-        EXPECT_EQ(OutgoingMessageStore::attachmentFilename(r.path), r.expected)
-            << r.path.toStdString();
+// Catches CC/BCC lines written when empty or in the other order, and the
+// sender's folder names sent along with an attachment.
+TEST(OutgoingMessageRules, HeaderTextAndAttachmentNames) {
+    const QJsonObject rows = jsonTestData("mail/outgoing-rules.json");
+    for (const QJsonValue r : rows["headerText"].toArray())
+        EXPECT_EQ(OutgoingMessageStore::headerText(r[0].toString().toLatin1(),
+                                                   r[1].toString().toLatin1()),
+                  r[2].toString().toLatin1());
+    for (const QJsonValue r : rows["attachmentName"].toArray())
+        EXPECT_EQ(OutgoingMessageStore::attachmentFilename(r[0].toString()),
+                  r[1].toString().toLatin1())
+            << r[0].toString().toStdString();
 }
 
 // From, subject and date going through are the whole-program compose test's.

@@ -1,10 +1,12 @@
 #include "platform/Pop3Client.h"
+#include "platform/SmtpClient.h"
 
+#include "MailStoreFixture.h"
 #include "servers/DovecotServer.h"
 #include "servers/LoopbackPort.h"
 
-#include <QTemporaryDir>
-#include <curl/curl.h>
+#include <QJsonArray>
+#include <QMap>
 #include <gtest/gtest.h>
 
 using namespace mirel;
@@ -93,85 +95,19 @@ TEST_F(Pop3ClientTest, MessageAboveTheSizeLimitStaysOnTheServer) {
     EXPECT_EQ(server.messagesOf("ann"), 3);
 }
 
-// Catches a missing message read as success, or with stale bytes left.
-TEST_F(Pop3ClientTest, EmptyMailboxAndMissingMessage) {
-    server.addUser("empty", "x");
-    ASSERT_TRUE(server.start());
-    Pop3Client pop;
-    traceInto(pop);
-    MailServer s = account(server.port());
-    s.userName = "empty";
-    s.password = "x";
-    ASSERT_FALSE(pop.connect(s));
-    EXPECT_EQ(pop.messageCount(), 0);
-    QByteArray got = "stale";
-    const TransportError e = pop.fetch(1, got);
-    EXPECT_TRUE(e);
-    EXPECT_TRUE(got.isEmpty());
-    EXPECT_TRUE(e.description.contains("-ERR")) << e.description.constData() << traced.constData();
-}
-
-// A wrong password and a closed port are the whole send/receive runs' fault
-// rows; they check the words the user reads.
 // Catches TLS chosen by the wrong port or mode, and an IPv6 host unbracketed.
-TEST(Pop3ClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
-    struct Case {
-        QByteArray host;
-        int port;
-        MailServer::Tls tls;
-        const char* url;
-    } cases[] = {
-        {"pop.example.org", 995, MailServer::Tls::ByPort, "pop3s://pop.example.org:995/7"},
-        {"pop.example.org", 110, MailServer::Tls::ByPort, "pop3://pop.example.org:110/7"},
-        {"127.0.0.1", 2110, MailServer::Tls::Implicit, "pop3s://127.0.0.1:2110/7"},
-        {"127.0.0.1", 995, MailServer::Tls::WhenOffered, "pop3://127.0.0.1:995/7"},
-        {"::1", 110, MailServer::Tls::ByPort, "pop3://[::1]:110/7"},
-    };
-    for (const Case& c : cases) {
+TEST(MailClientUrl, TlsPortChoosesTlsFromTheFirstByte) {
+    const QMap<QString, MailServer::Tls> modes = {{"ByPort", MailServer::Tls::ByPort},
+                                                  {"Implicit", MailServer::Tls::Implicit},
+                                                  {"WhenOffered", MailServer::Tls::WhenOffered}};
+    for (const QJsonValue r : jsonTestData("mail/server-urls.json")["urls"].toArray()) {
         MailServer s;
-        s.host = c.host;
-        s.port = c.port;
-        s.tls = c.tls;
-        EXPECT_EQ(Pop3Client::urlFor(s, 7), c.url);
+        s.host = r[1].toString().toLatin1();
+        s.port = r[2].toInt();
+        s.tls = modes.value(r[3].toString());
+        EXPECT_EQ(r[0] == "pop3" ? Pop3Client::urlFor(s, 7) : SmtpClient::urlFor(s),
+                  r[4].toString().toLatin1());
     }
-}
-
-class Pop3TlsTest : public Pop3ClientTest {
-protected:
-    QTemporaryDir certDir;
-    TestCertificate cert = TestCertificate::make(certDir.path());
-};
-
-// Catches a fall-back to plain text on an untrusted certificate and a
-// STARTTLS or implicit-TLS session that does not work when trusted.
-TEST_F(Pop3TlsTest, StartTlsAndImplicitTlsTrustedOrNot) {
-    ASSERT_TRUE(server.start(cert));
-    for (MailServer::Tls mode : {MailServer::Tls::WhenOffered, MailServer::Tls::Implicit}) {
-        traced.clear();
-        Pop3Client pop;
-        traceInto(pop);
-        MailServer s =
-            account(mode == MailServer::Tls::Implicit ? server.tlsPort() : server.port());
-        s.tls = mode; // only the system's certificates trusted
-        EXPECT_EQ(pop.connect(s).number, CURLE_PEER_FAILED_VERIFICATION);
-        EXPECT_FALSE(pop.isConnected());
-
-        s.caFile = cert.certFile;
-        const TransportError e = pop.connect(s);
-        ASSERT_FALSE(e) << e.description.constData() << traced.constData();
-        EXPECT_EQ(pop.messageCount(), 3);
-        QByteArray got;
-        ASSERT_FALSE(pop.fetch(2, got));
-        EXPECT_EQ(got, kSecond);
-        pop.logout();
-        if (mode == MailServer::Tls::WhenOffered)
-            EXPECT_TRUE(traced.contains("> STLS")) << traced.constData();
-        else
-            EXPECT_FALSE(traced.contains("STLS"));
-        expectNoSecretInTrace();
-    }
-    EXPECT_EQ(logins(server.log()), 2) << server.log().constData();
-    EXPECT_TRUE(server.log().contains("TLS")) << server.log().constData();
 }
 
 } // namespace

@@ -236,6 +236,8 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
                                                      "+OK\r\nSubject: x\r\n\r\nhal"},
                            ScriptedServer::Ending::HangUp);
     ScriptedServer silent(greeting, {}, ScriptedServer::Ending::Silence);
+    ScriptedServer garbled(greeting, login + QList<QByteArray>{"+OK lots\r\n"},
+                           ScriptedServer::Ending::HangUp);
 
     // Each line says in words what went wrong and where (no "AsyncError (7)").
     struct Case {
@@ -249,10 +251,12 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
         {"server not running", local(closedPort), "pw",
          "DS1: Could not connect to 127.0.0.1 port " + QByteArray::number(closedPort) +
              ": connection refused"},
-        {"line dropped in the second message", local(dropped.port()), "pw",
+        {"line dropped in the second message", local(dropped.port()), "nope",
          "DS1: The server closed the connection before the end of message 2"},
         {"server that never answers", local(silent.port()), "pw",
          "DS1: No answer from 127.0.0.1 port " + QByteArray::number(silent.port())},
+        {"a message count that is no number", local(garbled.port()), "nope",
+         "DS1: The server's message count is not a number"},
     };
     for (const Case& c : cases) {
         const Outcome r = run({ann(c.server, local(closedPort), true, c.password)});
@@ -271,6 +275,7 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
     for (const QByteArray& l : sentToDropped)
         quit = quit || l.startsWith("QUIT");
     EXPECT_FALSE(quit);
+    // The scripted peers take USER and PASS: the password stays out of the log.
     EXPECT_FALSE(readAll(debugLog.path()).contains("nope"));
 }
 

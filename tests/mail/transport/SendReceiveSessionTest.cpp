@@ -1,4 +1,5 @@
 #include "mail/transport/SendReceiveSession.h"
+#include "TestSupport.h"
 #include "platform/Pop3Client.h"
 
 #include <QStringList>
@@ -6,6 +7,7 @@
 #include <gtest/gtest.h>
 
 using namespace mirel;
+using namespace mirel::test;
 
 namespace {
 
@@ -131,42 +133,14 @@ TEST(SendReceiveSession, ServesEveryAccountThenSendsTheOutbox) {
         kTexts, w);
     w.run(s);
 
-    EXPECT_EQ(joined(w.lines), joined({"DS1: In UFCA-HOME",  "DS1: Ready",
-                                       "DS1: New (1)",       "DS1: New (2)",
-                                       "DS1: Done",          "DS2: In UFCA-EMPTY",
-                                       "DS2: Ready",         "DS2: None",
-                                       "DS2: Done",          "Outbox: Ready",
-                                       "Outbox: Sent (1)",   "Outbox: Done",
-                                       "Outbox: Ready",      "Outbox: Recipient refused",
-                                       "Outbox: Sent (2)",   "Outbox: Ready",
-                                       "Outbox: unreadable", "Outbox: Sent (3)",
-                                       "Outbox: Sent (4)",   "Outbox: Done"}));
     // Every message is deleted once the store committed it, the known one
     // included; the empty mailbox is logged out at once; the unmatched
     // sender goes out through the last account.
-    EXPECT_EQ(joined(w.actions), joined({"pop3 3 pop.a:995 #0",
-                                         "sound in",
-                                         "pop3 13 pop.a:995 #1",
-                                         "pop3 13 pop.a:995 #2",
-                                         "pop3 13 pop.a:995 #3",
-                                         "commit",
-                                         "pop3 10 pop.a:995 #1",
-                                         "pop3 10 pop.a:995 #2",
-                                         "pop3 10 pop.a:995 #3",
-                                         "pop3 8 pop.a:995 #3",
-                                         "pop3 3 pop.b:110 #0",
-                                         "pop3 8 pop.b:110 #0",
-                                         "sound out",
-                                         "send 4 via smtp.b",
-                                         "read 4",
-                                         "move 4",
-                                         "send 5 via smtp.a",
-                                         "read 5",
-                                         "send 6 via smtp.a",
-                                         "read 6",
-                                         "send 9 via smtp.b",
-                                         "read 9",
-                                         "move 9"}));
+    QByteArray expected = readAll(testData("mail/send-receive-session.txt"));
+    expected = expected.mid(expected.indexOf("\nDS1") + 1);
+    const qsizetype gap = expected.indexOf("\n\n");
+    EXPECT_EQ(w.lines.join('\n').toStdString(), expected.left(gap).toStdString());
+    EXPECT_EQ(w.actions.join('\n').toStdString(), expected.mid(gap + 2).trimmed().toStdString());
     EXPECT_TRUE(w.over);
     EXPECT_EQ(s.phase(), SendReceiveSession::Phase::Ended);
 }
@@ -214,6 +188,8 @@ TEST(SendReceiveSession, DeletesOnlyWhatTheStoreTookOrKnew) {
     }
 }
 
+// Catches a session that goes on to the next account or the outbox after a
+// POP3 error at any step, or that acts on events arriving after it froze.
 TEST(SendReceiveSession, APop3ErrorFreezesTheSession) {
     // The n-th POP3 action fails: log-in, a fetch, a delete, the log-out.
     for (int failAt : {1, 2, 3, 4}) {
@@ -240,34 +216,19 @@ TEST(SendReceiveSession, APop3ErrorFreezesTheSession) {
     }
 }
 
-TEST(SendReceiveSession, AccountsWithoutAPop3ServerEndTheReceivePhase) {
-    struct Case {
-        QList<QByteArray> accounts;
-        QByteArray expectedPop3; // hosts connected, in order
-        bool sends;
-    };
-    const Case cases[] = {
-        {{}, "", false}, // no account: over at once, nothing sent
-        {{account("a", "", false)}, "", true},
-        {{account("a", "p1", false), account("b", "", false), account("c", "p3", false)},
-         "p1",
-         true},
-    };
-    for (const Case& c : cases) {
-        World w;
-        SendReceiveSession s(EmailAccountList(c.accounts), {"\"Ann\" <a@x>|1"}, kTexts, w);
-        w.run(s);
-        QByteArray hosts;
-        bool sent = false;
-        for (const QByteArray& a : w.actions) {
-            if (a.startsWith("pop3 3 "))
-                hosts += a.mid(7, a.indexOf(':') - 7);
-            sent = sent || a.startsWith("send");
-        }
-        EXPECT_EQ(hosts, c.expectedPop3);
-        EXPECT_EQ(sent, c.sends);
-        EXPECT_TRUE(w.over);
-    }
+// Catches accounts served past one without a POP3 server, or the outbox
+// not sent after it. (No account at all is the window test's; one without a
+// POP3 server that sends is the real runs'.)
+TEST(SendReceiveSession, AnAccountWithoutAPop3ServerEndsTheReceivePhase) {
+    World w;
+    SendReceiveSession s(EmailAccountList({account("a", "p1", false), account("b", "", false),
+                                           account("c", "p3", false)}),
+                         {"\"Ann\" <a@x>|1"}, kTexts, w);
+    w.run(s);
+    const std::string actions = joined(w.actions);
+    EXPECT_EQ(actions.find(" p3:"), std::string::npos) << actions;
+    EXPECT_NE(actions.find("send 1"), std::string::npos) << actions;
+    EXPECT_TRUE(w.over);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "mail/view/MessageListLine.h"
 #include "mail/view/MessagePage.h"
 
+#include <QJsonArray>
 #include <gtest/gtest.h>
 
 using namespace mirel;
@@ -27,10 +28,8 @@ TEST(MessageListLine, SplitsMarksAndShowsNames) {
     EXPECT_EQ(l.from, "there");
     EXPECT_EQ(l.to, "Mon, 1 Jan\tbob@y.net\textra");
 
-    EXPECT_EQ(MessageListLine::markedRead("5\t0\t0\ts\tf\td\tt"), "5\t1\t0\ts\tf\td\tt");
-    EXPECT_EQ(MessageListLine::markedRead("5\t3\t0\ts"), "5\t1\t0\ts");
-    EXPECT_EQ(MessageListLine::markedRead("5\t"), "5\t1");
-    EXPECT_EQ(MessageListLine::markedRead("5"), "5\t1");
+    for (const QJsonValue r : jsonTestData("mail/list-lines.json")["markedRead"].toArray())
+        EXPECT_EQ(MessageListLine::markedRead(r[0].toString().toLatin1()), r[1].toString());
 
     EXPECT_TRUE(MessageListLine::parse("1\t 2\t0").isRead()) << "numeric value, blanks skipped";
     EXPECT_FALSE(MessageListLine::parse("1\tx\t-1").isRead());
@@ -40,17 +39,9 @@ TEST(MessageListLine, SplitsMarksAndShowsNames) {
 // Catches a sender shown with its address when a quoted name is there,
 // encoded words left undecoded, and hidden columns given a width.
 TEST(MessageListLine, DisplayNamesAndDecodedColumns) {
-    const struct {
-        QByteArray stored, shown;
-    } names[] = {
-        {"\"Ann Smith\" <ann@x.org>", "Ann Smith"},
-        {"Ann Smith <ann@x.org>", "Ann Smith <ann@x.org>"},
-        {"\"unclosed <a@x.org>", "unclosed <a@x.org>"},
-        {"\"\" <a@x.org>", ""},
-        {"", ""},
-    };
-    for (const auto& n : names)
-        EXPECT_EQ(MessageListLine::displayName(n.stored), n.shown) << n.stored.constData();
+    for (const QJsonValue n : jsonTestData("mail/list-lines.json")["displayNames"].toArray())
+        EXPECT_EQ(MessageListLine::displayName(n[0].toString().toLatin1()), n[1].toString())
+            << n[0].toString().toStdString();
 
     const QStringList cols =
         MessageListLine::parse("3\t1\t0\t=?utf-8?q?Gr=C3=BC=C3=9Fe?=\t\"=?iso-8859-1?q?J=F6rg?=\" "
