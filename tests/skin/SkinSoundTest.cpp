@@ -22,33 +22,6 @@ protected:
     }
 };
 
-TEST_F(SkinSoundTest, SwitchesFromTerminalSkin) {
-    struct Row {
-        QByteArray text;
-        bool sound, multiple;
-    };
-    const Row rows[] = {
-        {"", true, false},
-        {"[DEFAULT]\r\nSound=0\r\n", false, false},
-        {"[DEFAULT]\r\nSound=False\r\nMultiple=True\r\n", false, true},
-        {"[default]\r\nsound=true\r\nmultiple=-1\r\n", true, true},
-        // Only section "DEFAULT" counts.
-        {"[OTHER]\r\nSound=0\r\nMultiple=1\r\n", true, false},
-    };
-    const QString file = dir.file("terminal.skn");
-    for (const Row& r : rows) {
-        writeAll(file, r.text);
-        const SoundSwitches s = SkinSound::readSwitches(ini, file);
-        EXPECT_EQ(s.sound, r.sound) << r.text.constData();
-        EXPECT_EQ(s.multiple, r.multiple) << r.text.constData();
-    }
-    // A missing file is all defaults, silently.
-    const SoundSwitches s = SkinSound::readSwitches(ini, dir.file("none.skn"));
-    EXPECT_TRUE(s.sound);
-    EXPECT_FALSE(s.multiple);
-    EXPECT_TRUE(sink.shown.empty());
-}
-
 TEST_F(SkinSoundTest, NameToFile) {
     // A theme sound gets ".wav" and is found whatever the case on disk.
     EXPECT_EQ(SkinSound::soundPath("click", theme), theme + "Click.WAV");
