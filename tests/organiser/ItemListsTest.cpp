@@ -122,7 +122,9 @@ TEST_F(ItemListsTest, LogbookNewestFirstTwoRowsAndSearchAcrossLines) {
     EXPECT_TRUE(QFile::exists(data("Logbook/20061116164612.log")));
 }
 
-TEST_F(ItemListsTest, TodoOpenBeforeDoneAndMarkingDone) {
+// Catches done tasks listed before open ones and a done button offered for a
+// task already done or a new one. (Marking done runs in the screen test.)
+TEST_F(ItemListsTest, TodoOpenBeforeDoneAndTheDoneButton) {
     writeAll(data("Todo/20060101000000.tod"), "1\r\nanswer letter\r\n");
     writeAll(data("Todo/20060202000000.tod"), "0\r\nbuy milk\r\n");
     TodoList todo(ctx);
@@ -133,16 +135,8 @@ TEST_F(ItemListsTest, TodoOpenBeforeDoneAndMarkingDone) {
     EXPECT_FALSE(boxes.doneButtonVisible);
     todo.click(st, 0, boxes);
     EXPECT_TRUE(boxes.doneButtonVisible);
-    boxes.body = "buy oat milk";
-    ASSERT_TRUE(todo.markDone(st, boxes));
-    EXPECT_EQ(readAll(data("Todo/20060202000000.tod")), "1\r\nbuy oat milk\r\n");
-    EXPECT_EQ(rowTexts(st), (QList<QByteArray>{"DONE  answer letter", "DONE  buy oat milk"}));
-
     todo.add(st, boxes);
     EXPECT_FALSE(boxes.doneButtonVisible);
-    ASSERT_TRUE(todo.save(st, boxes));
-    EXPECT_EQ(readAll(data("Todo/20061116164512.tod")), "0\r\n---\r\n");
-    EXPECT_EQ(rowTexts(st).first(), "TODO  ---");
 }
 
 TEST_F(ItemListsTest, ContactNumberingAndFieldOrderRoundTrip) {

@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QPushButton>
-#include <QTextBrowser>
 #include <QTimer>
 
 using namespace mirel;
@@ -161,14 +160,6 @@ TEST_F(LayoutEngineTest, MailPartsAreMovedAndShownThenHiddenOnClear) {
                        static_cast<QWidget*>(host->checkButton(1))})
         EXPECT_FALSE(w->isVisibleTo(host.get())) << w->objectName().toStdString();
     EXPECT_EQ(host->overviewList(), nullptr);
-}
-
-TEST_F(LayoutEngineTest, OwnWidgetsTakeThePlaceOfPlaceholders) {
-    auto* view = new QTextBrowser;
-    host->setPlaced(PlacedPart::HtmlView, view);
-    engine.LayoutSection(*host, "Email", skin);
-    EXPECT_EQ(view->parentWidget(), host.get());
-    EXPECT_EQ(view->geometry(), QRect(10, 220, 1004, 488));
 }
 
 TEST_F(LayoutEngineTest, FixedMailDialogControls) {

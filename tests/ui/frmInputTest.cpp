@@ -31,18 +31,14 @@ protected:
     }
 };
 
-TEST_F(frmInputTest, SetUpFromTheInputSection) {
-    frmInput dlg(engine, false);
-    // The rounded corners of the background are cut away.
-    EXPECT_FALSE(dlg.mask().contains(QPoint(0, 0)));
-    EXPECT_TRUE(dlg.mask().contains(QPoint(100, 50)));
-    EXPECT_EQ(dlg.state().buttonCount(), 2);
-    EXPECT_TRUE(dlg.hoverTimer().isActive());
-}
-
+// Catches a dialog left unshaped or without the hover pass, OK not handing
+// back the text in the files' code page, and Quit or Enter doing the wrong thing.
 TEST_F(frmInputTest, OkEnterAndQuit) {
     {
         frmInput dlg(engine, false);
+        EXPECT_FALSE(dlg.mask().contains(QPoint(0, 0))); // rounded corners cut away
+        EXPECT_TRUE(dlg.mask().contains(QPoint(100, 50)));
+        EXPECT_TRUE(dlg.hoverTimer().isActive());
         EXPECT_EQ(run(dlg, QString::fromUtf8("caf\u00e9 au lait"), "OK"), "caf\xe9 au lait");
         EXPECT_FALSE(dlg.isVisible());
     }
