@@ -19,7 +19,7 @@ struct NumberedLine {
 
 /// Reads control lines of a section with the override file applied.
 class SkinLines {
-  public:
+public:
     explicit SkinLines(IniHelpers& ini) : m_ini(ini) {}
 
     QList<NumberedLine> read(QByteArrayView section, const QString& skinFile) const;
@@ -31,7 +31,13 @@ class SkinLines {
     /// "01".."99", then plain decimal for larger numbers.
     static QByteArray keyName(int keyNumber);
 
-  private:
+private:
+    // Keys are three digits at most in practice; the bound only guards
+    // against a generated file with an endless run of numbers.
+    static constexpr int kMaxKey = 10000;
+    // Used when a file cannot be read whole: each failing read reports itself.
+    QList<NumberedLine> readKeyByKey(QByteArrayView section, const QString& skinFile) const;
+
     IniHelpers& m_ini;
 };
 
