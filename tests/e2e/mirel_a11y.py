@@ -11,7 +11,7 @@ import tempfile
 import time
 import unittest
 
-from mirel_harness import Xvfb
+from mirel_harness import Session, Xvfb
 
 IN_BUS = "MIREL_E2E_IN_BUS"
 
@@ -90,6 +90,38 @@ class ScreenReaderCase(unittest.TestCase):
     def press(self, command, settle=0.0):
         self.find(command, "push button", shown=True).queryAction().doAction(0)
         time.sleep(settle)
+
+    def session(self, **options):
+        """The program on this class's display, readable on the bus, closed after the test."""
+        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                                     "QT_ACCESSIBILITY": "1"}, theme=False, **options)
+        self.addCleanup(s.close)
+        return s
+
+    def set_text(self, name, text):
+        self.find(name, shown=True).queryEditableText().setTextContents(text)
+
+    def window(self, title, timeout=10):
+        """A shown window or dialog of that title (not a label that reads the same)."""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            for node in walk(self.app()):
+                if node.name == title and node.getRoleName() not in ("label", "text", "entry") \
+                        and self.showing(node):
+                    return node
+            time.sleep(0.3)
+        self.fail("no window %r" % title)
+
+    def inside(self, top, name, *roles):
+        """The node of that name and one of roles below top ("push button" if none given)."""
+        roles = roles or ("push button",)
+        for node in walk(top if not isinstance(top, str) else self.window(top)):
+            if node.name == name and node.getRoleName() in roles:
+                return node
+        self.fail("no %s %r in %r" % (roles, name, top))
+
+    def press_in(self, top, name):
+        self.inside(top, name).queryAction().doAction(0)
 
 
 def pointer_click(display, node, clicks=1):

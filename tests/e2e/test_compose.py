@@ -16,7 +16,7 @@ from email.message import EmailMessage
 sys.path.insert(0, os.path.dirname(__file__))
 
 from mirel_a11y import ScreenReaderCase, run_in_private_bus, send_receive, walk  # noqa: E402
-from mirel_harness import MailServers, Session  # noqa: E402
+from mirel_harness import MailServers  # noqa: E402
 
 if __name__ == "__main__":
     run_in_private_bus(__file__)
@@ -40,16 +40,6 @@ def received(path):
 
 
 class Compose(ScreenReaderCase):
-    def set_text(self, name, text):
-        self.find(name, shown=True).queryEditableText().setTextContents(text)
-
-    def in_window(self, title, name, role="push button"):
-        top = self.find(title, shown=True, timeout=15)
-        for node in walk(top):
-            if node.name == name and node.getRoleName() == role:
-                return node
-        self.fail("no %s %r in %r" % (role, name, title))
-
     def open_message(self):
         table = self.find("MLmessages")
         deadline = time.time() + 10
@@ -70,9 +60,7 @@ class Compose(ScreenReaderCase):
         self.s.screenshot(shot)
 
     def test_new_reply_forward_arrive_intact(self):
-        s = self.s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                              "QT_ACCESSIBILITY": "1"}, theme=False)
-        self.addCleanup(s.close)
+        s = self.s = self.session()
         s.bundled_theme()
         mail = os.path.join(s.tmp, "figures.eml")
         received(mail)
@@ -100,12 +88,12 @@ class Compose(ScreenReaderCase):
         picker = self.find("lstAddressbook", shown=True).queryTable()
         picker.addRowSelection(0)
         picker.addRowSelection(1)
-        self.in_window("Address book", "OK").queryAction().doAction(0)
+        self.press_in("Address book", "OK")
         self.set_text("txtCC", "cc@example.net")
         self.find("cmdBut16", shown=True).queryAction().doAction(0)
-        box = self.in_window("Add attachment", "File name:", "text")
+        box = self.inside("Add attachment", "File name:", "text")
         box.queryEditableText().setTextContents(notes)
-        self.in_window("Add attachment", "Open").queryAction().doAction(0)
+        self.press_in("Add attachment", "Open")
         self.set_text("txtBCC", "hidden@example.net")
         self.set_text("txtSubject", "Grüße")
         self.set_text("DHTMLEdit1", "Hello there")

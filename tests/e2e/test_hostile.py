@@ -14,7 +14,7 @@ import unittest
 sys.path.insert(0, os.path.dirname(__file__))
 
 from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
-from mirel_harness import BUILD_DIR, SOURCE_DIR, Session, click, x_input  # noqa: E402
+from mirel_harness import BUILD_DIR, SOURCE_DIR, click, x_input  # noqa: E402
 
 if __name__ == "__main__":
     run_in_private_bus(__file__)
@@ -28,9 +28,7 @@ class Hostile(ScreenReaderCase):
     # (Tags by the megabyte and a BinHex flood are the page and BinHex
     # length tests'.)
     def test_every_hostile_message_opens_and_reads_no_file(self):
-        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                     "QT_ACCESSIBILITY": "1"}, theme=False, theme_dir="Default")
-        self.addCleanup(s.close)
+        s = self.session(theme_dir="Default")
         bait, bin_dir = os.path.join(s.tmp, "bait"), os.path.join(s.tmp, "bin")
         os.makedirs(bait)
         os.makedirs(bin_dir)

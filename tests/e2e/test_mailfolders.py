@@ -18,7 +18,7 @@ sys.path.insert(0, os.path.dirname(__file__))
 
 from mirel_a11y import (ScreenReaderCase, pointer_click, run_in_private_bus,  # noqa: E402
                         send_receive, walk)
-from mirel_harness import SOURCE_DIR, MailServers, Session  # noqa: E402
+from mirel_harness import SOURCE_DIR, MailServers  # noqa: E402
 
 if __name__ == "__main__":
     run_in_private_bus(__file__)
@@ -71,22 +71,6 @@ class MailFolders(ScreenReaderCase):
             time.sleep(0.2)
         self.fail("never came true")
 
-    def window(self, title, timeout=10):
-        deadline = time.time() + timeout
-        while time.time() < deadline:
-            for node in walk(self.app()):
-                if node.name == title and node.getRoleName() not in ("label", "text", "entry") \
-                        and self.showing(node):
-                    return node
-            time.sleep(0.3)
-        self.fail("no window %r" % title)
-
-    def inside(self, top, name, *roles):
-        for node in walk(top):
-            if node.name == name and node.getRoleName() in roles:
-                return node
-        self.fail("no %s %r in %r" % (roles, name, top.name))
-
     def select_rows(self, table, texts):
         rows = table.queryTable()
         for r in range(rows.nRows):
@@ -108,12 +92,10 @@ class MailFolders(ScreenReaderCase):
     def answer(self, prompt, text):
         box = self.window(prompt)
         self.inside(box, prompt, "text", "entry").queryEditableText().setTextContents(text)
-        self.inside(box, "OK", "push button").queryAction().doAction(0)
+        self.press_in(box, "OK")
 
     def test_file_move_delete_and_save(self):
-        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                     "QT_ACCESSIBILITY": "1"}, theme=False)
-        self.addCleanup(s.close)
+        s = self.session()
         shutil.copytree(os.path.join(SOURCE_DIR, "themes", "Default"),
                         os.path.join(s.program_dir, "themes", "Test"))
         files = []
@@ -135,31 +117,30 @@ class MailFolders(ScreenReaderCase):
         self.until(lambda: self.count(s, "0") == 3)
 
         s.send("EMAILCONFIG")
-        self.inside(self.window("Mail folders"), "EMAILCONFIGNEW", "push button") \
-            .queryAction().doAction(0)
+        self.press_in("Mail folders", "EMAILCONFIGNEW")
         self.answer("Enter Name for new Folder", "Archive")
         self.until(lambda: self.count(s, "Archive") == 0)
         s.screenshot("dialog-emailconfig-folders")
-        self.inside(self.window("Mail folders"), "OK", "push button").queryAction().doAction(0)
+        self.press_in("Mail folders", "OK")
 
         self.select_rows(table, {"Alpha", "Beta"})
         s.send("EMAILMOVE")
         move = self.window("Move to folder")
         self.choose_in(move, "Archive")
         s.screenshot("dialog-emailmove")
-        self.inside(move, "OK", "push button").queryAction().doAction(0)
+        self.press_in(move, "OK")
         self.until(lambda: self.count(s, "Archive") == 2 and self.count(s, "0") == 1)
 
         self.select_rows(table, {"Gamma"})
         s.send("EMAILDELETE")
-        self.inside(self.window("TORVEX Terminal"), "Yes", "push button").queryAction().doAction(0)
+        self.press_in("TORVEX Terminal", "Yes")
         self.until(lambda: self.count(s, "0") == 0 and self.count(s, "3") == 1)
 
         # The chooser reaches every folder; in "Deleted" a delete is final.
         self.open_folder("Deleted")
         self.select_rows(table, {"Gamma"})
         s.send("EMAILDELETE")
-        self.inside(self.window("TORVEX Terminal"), "Yes", "push button").queryAction().doAction(0)
+        self.press_in("TORVEX Terminal", "Yes")
         self.until(lambda: self.count(s, "3") == 0)
 
         self.open_folder("Archive")
@@ -171,7 +152,7 @@ class MailFolders(ScreenReaderCase):
         name = next(n for n in walk(dialog) if n.getRoleName() == "text" and
                     n.queryText().getText(0, -1) == "report.bin")
         name.queryEditableText().setTextContents("saved.bin")
-        self.inside(dialog, "Save", "push button").queryAction().doAction(0)
+        self.press_in(dialog, "Save")
         saved = os.path.join(home, "saved.bin")
         self.until(lambda: os.path.exists(saved) and os.path.getsize(saved) == len(PAYLOAD))
         with open(saved, "rb") as f:
@@ -182,15 +163,15 @@ class MailFolders(ScreenReaderCase):
         s.send("EMAILCONFIG")
         config = self.window("Mail folders")
         self.choose_in(config, "Archive")
-        self.inside(config, "EMAILCONFIGRENAME", "push button").queryAction().doAction(0)
+        self.press_in(config, "EMAILCONFIGRENAME")
         self.answer("Enter Name for new Folder", "Old mail")
         self.find("Folder: Old mail")
         self.choose_in(config, "Old mail")
-        self.inside(config, "EMAILCONFIGDELETE", "push button").queryAction().doAction(0)
-        self.inside(self.window("TORVEX Terminal"), "Yes", "push button").queryAction().doAction(0)
+        self.press_in(config, "EMAILCONFIGDELETE")
+        self.press_in("TORVEX Terminal", "Yes")
         self.find("Folder: Inbox")
         self.assertFalse(os.path.exists(os.path.join(s.program_dir, "Email", "Old mail")))
-        self.inside(config, "OK", "push button").queryAction().doAction(0)
+        self.press_in(config, "OK")
         time.sleep(0.5)
         s.screenshot("email-folder")
         after = files_under(s.tmp)

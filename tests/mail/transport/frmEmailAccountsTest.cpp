@@ -187,28 +187,18 @@ TEST_F(frmEmailAccountsTest, EscapeClosesWithoutSaving) {
     EXPECT_EQ(file.LoadAccounts().size(), 4);
 }
 
-} // namespace
-
-namespace {
+using frmEmailAccountsFromMain = frmEmailAccountsTest;
 
 // Catches OK that does not write the file, and the main window keeping its
 // old account list after OK (a session would run with the accounts the user
 // just changed or deleted).
-TEST(frmEmailAccountsFromMain, OkReloadsTheMainWindowsList) {
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
+TEST_F(frmEmailAccountsFromMain, OkReloadsTheMainWindowsList) {
     FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(21, 0))};
-    QDir().mkpath(dir.file("prog/theme"));
     writeAll(dir.file("prog/theme/Mirel.skn"),
              "[DEFAULT]\r\n01=B,a.bmp,0,0,50,20,,,False,EmailAccounts\r\n[Overview]\r\n");
-    writeAll(dir.file("prog/theme/terminal.skn"), kTerminal);
     store.SaveSetting(kFamilyApp, "Default", "ProgramDir", dir.file("prog").toUtf8());
     store.SaveSetting(kFamilyApp, "Default", "ThemeDir", "\\theme\\");
-    IniHelpers ini{sink, store};
-    const Folders folders{dir.file("prog"), QStringLiteral("\\theme\\")};
-    QDir().mkpath(dir.file("prog/Email"));
-    AccountsFile(ini, folders).SaveAccounts(EmailAccountList({kHome, kWork}));
+    file.SaveAccounts(EmailAccountList({kHome, kWork}));
 
     frmMain w(store, sink, clock);
     w.setSingleInstanceEnabled(false);
@@ -229,7 +219,7 @@ TEST(frmEmailAccountsFromMain, OkReloadsTheMainWindowsList) {
     });
     w.ClickButton(1);
     EXPECT_TRUE(opened);
-    EXPECT_EQ(AccountsFile(ini, folders).LoadAccounts(), w.lstEmailAccounts());
+    EXPECT_EQ(file.LoadAccounts(), w.lstEmailAccounts());
     EXPECT_EQ(AccountRecord::field(w.lstEmailAccounts().at(1), AccountRecord::SenderName), "Ann");
     w.ShutDown();
 }
