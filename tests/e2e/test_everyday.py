@@ -56,11 +56,15 @@ class Everyday(ScreenReaderCase):
                             self.s.program_dir, *received], check=True, timeout=60)
         self.s.start()
 
-    # Catches: skin buttons placed outside a resized window, on any of the
-    # mail and organiser screens. (A calendar day kept when the month changes
-    # is the organiser screen test's.)
-    def test_buttons_stay_inside_at_every_size(self):
+    def test_calendar_day_kept_and_buttons_stay_inside(self):
         self.start()
+        data = os.path.join(self.s.program_dir, "Mirel")
+        self.screen("CALENDAR", "MONTHJAN")
+        self.set_text("txtBox 3", "Dentist")
+        self.press("MONTHJAN", settle=1.0)
+        with open(os.path.join(data, "calendar.ini"), "rb") as f:
+            self.assertIn(b"03=068101110116105115116", f.read())
+
         coords = self.pyatspi.DESKTOP_COORDS
         for width, height in ((1024, 600), (1920, 1080), (1000, 640)):
             resize_window(self.s.display, width, height)
