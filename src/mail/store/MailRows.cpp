@@ -18,8 +18,10 @@ QByteArray IndexRow::listLine() const {
         line += '\t';
         const qsizetype start = line.size();
         line += *field;
-        // A TAB of a folded header would shift the columns.
-        std::replace(line.begin() + start, line.end(), '\t', ' ');
+        // A TAB of a folded header would shift the columns. Rare: looked
+        // for first, so most fields are not walked byte by byte.
+        if (field->contains('\t'))
+            std::replace(line.begin() + start, line.end(), '\t', ' ');
     }
     return line;
 }

@@ -9,11 +9,20 @@ namespace {
 
 // Most headers are plain ASCII without encoded words; they read the same
 // without the decoder, which a folder of thousands of rows notices.
-QString shown(const QByteArray& value) {
+QString shown(QByteArrayView value) {
     for (char c : value)
         if (uchar(c) >= 0x80)
             return MailDisplayText::decodeHeader(value);
     return value.contains("=?") ? MailDisplayText::decodeHeader(value) : QString::fromLatin1(value);
+}
+
+// The name as a view into the address: the list shows it without keeping it.
+QByteArrayView nameOf(QByteArrayView address) {
+    if (!address.startsWith('"'))
+        return address;
+    const qsizetype close = address.indexOf('"', 1);
+    // An unclosed quote: the rest of the text is the name.
+    return close < 0 ? address.sliced(1) : address.sliced(1, close - 1);
 }
 
 } // namespace
@@ -58,23 +67,19 @@ QByteArray MessageListLine::markedRead(QByteArrayView view) {
 }
 
 QByteArray MessageListLine::displayName(QByteArrayView address) {
-    if (!address.startsWith('"'))
-        return address.toByteArray();
-    const qsizetype close = address.indexOf('"', 1);
-    // An unclosed quote: the rest of the text is the name.
-    return (close < 0 ? address.sliced(1) : address.sliced(1, close - 1)).toByteArray();
+    return nameOf(address).toByteArray();
 }
 
 QStringList MessageListLine::columns() const {
     return {hasAttachments() ? QStringLiteral("*") : QStringLiteral(" "),
             QString(),
-            shown(displayName(from)),
+            shown(nameOf(from)),
             QString(),
             shown(subject),
             QString(),
             shown(date),
             QString(),
-            shown(displayName(to))};
+            shown(nameOf(to))};
 }
 
 std::array<int, 9> MessageListLine::columnWidths(int listWidth) {
