@@ -32,14 +32,21 @@ bool IniHelpers::ReadIniKey(QByteArrayView section, QByteArrayView key, const QS
     }
     if (r.status == IniResult::Missing)
         return false;
+    auto readable = readableValue(std::move(value));
+    if (!readable)
+        return false;
+    IniValue = std::move(*readable);
+    return true;
+}
+
+std::optional<QByteArray> IniHelpers::readableValue(QByteArray value) {
     if (const qsizetype nul = value.indexOf('\0'); nul >= 0)
         value.truncate(nul);
     if (value.size() > kValueCap)
         value.truncate(kValueCap);
     if (value == kNotFound)
-        return false;
-    IniValue = value;
-    return true;
+        return std::nullopt;
+    return value;
 }
 
 bool IniHelpers::WriteIniKey(QByteArrayView section, QByteArrayView key, QByteArrayView value,
@@ -76,8 +83,7 @@ void IniHelpers::DeleteIniEntry(const QString& file, QByteArrayView section, QBy
         r = IniFile::removeKey(file, section, key);
     }
     if (!r && !ignoreErrors)
-        throw RuntimeError(r.status == IniResult::Missing ? kErrorFileNotFound
-                                                          : kErrorAccessDenied,
+        throw RuntimeError(r.status == IniResult::Missing ? kErrorFileNotFound : kErrorAccessDenied,
                            source, description);
 }
 

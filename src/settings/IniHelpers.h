@@ -15,6 +15,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace mirel {
 
 /// ReadIniKey, WriteIniKey, DeleteIniEntry and ShortPathOf with the shared IniValue.
@@ -24,6 +26,10 @@ public:
     static inline const QByteArray kNotFound = QByteArrayLiteral("NotFound");
 
     IniHelpers(MessageSink& messages, SettingsStore& store);
+
+    /// A stored value as a read gives it: cut at a NUL and at the length cap;
+    /// the "not found" marker counts as missing.
+    static std::optional<QByteArray> readableValue(QByteArray value);
 
     /// The value of the most recent successful read.
     QByteArray IniValue;

@@ -45,21 +45,13 @@ std::optional<QHash<QByteArray, QByteArray>> sectionOf(const QString& file,
     return IniDocument(std::move(bytes)).sectionValues(section);
 }
 
-// The value as ReadIniKey would give it: cut at a NUL and at the length cap,
-// and the "not found" marker counts as missing.
+// The value as ReadIniKey would give it.
 std::optional<QByteArray> keyValue(const QHash<QByteArray, QByteArray>& keys,
                                    const QByteArray& key) {
     const auto it = keys.constFind(key);
     if (it == keys.cend())
         return std::nullopt;
-    QByteArray value = *it;
-    if (const qsizetype nul = value.indexOf('\0'); nul >= 0)
-        value.truncate(nul);
-    if (value.size() > IniHelpers::kValueCap)
-        value.truncate(IniHelpers::kValueCap);
-    if (value == IniHelpers::kNotFound)
-        return std::nullopt;
-    return value;
+    return IniHelpers::readableValue(*it);
 }
 
 } // namespace
