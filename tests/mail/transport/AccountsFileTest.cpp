@@ -2,6 +2,7 @@
 #include "mail/transport/AccountRecord.h"
 #include "settings/TripletCodec.h"
 
+#include "IniFixture.h"
 #include "TestSupport.h"
 
 #include <QDir>
@@ -19,12 +20,8 @@ unsigned modeOf(const QString& path) {
     return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? st.st_mode & 07777 : ~0u;
 }
 
-class AccountsFileTest : public ::testing::Test {
+class AccountsFileTest : public IniFixture {
 protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
     Folders folders{dir.file("prog"), Folders::kDefaultThemeDir};
     AccountsFile file{ini, folders};
 

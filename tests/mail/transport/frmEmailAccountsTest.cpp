@@ -1,4 +1,5 @@
 #include "mail/transport/frmEmailAccounts.h"
+#include "IniFixture.h"
 #include "TestSupport.h"
 #include "app/frmMain.h"
 #include "mail/transport/AccountsFile.h"
@@ -31,12 +32,8 @@ const QByteArray kHome = "  Home|pop.h|hu|hp|0|1|smtp.h|h@x.org|Home Me|";
 const QByteArray kWork = "* Work|pop.w:995|wu|wp|1|0|smtp.w|w@x.org|Work Me|";
 const QByteArray kFresh = "  Fresh||||||||";
 
-class frmEmailAccountsTest : public ::testing::Test {
+class frmEmailAccountsTest : public IniFixture {
 protected:
-    TempDir dir;
-    RecordingMessageSink sink;
-    SettingsStore store{dir.file("config")};
-    IniHelpers ini{sink, store};
     Folders folders{dir.file("prog"), QStringLiteral("\\theme\\")};
     LayoutEngine engine{SkinContext{folders, ini, nullptr, false, 0}};
     AccountsFile file{ini, folders};
