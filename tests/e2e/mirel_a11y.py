@@ -144,3 +144,13 @@ def send_receive(case, timeout=30):
         time.sleep(0.3)
     window = case.find("Send and receive", shown=True)
     next(n for n in walk(window) if n.name == "OK").queryAction().doAction(0)
+    # A command sent while the window is still closing would reach a program
+    # that is busy with it.
+    while time.time() < deadline + 10:
+        try:
+            if not case.showing(window):
+                return
+        except Exception:  # the window's node is gone with it
+            return
+        time.sleep(0.2)
+    case.fail("the send and receive window stays open")
