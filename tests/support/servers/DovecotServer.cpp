@@ -66,13 +66,11 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
     ::chmod(QFile::encodeName(root).constData(), 0755);
     writeFile(root + QStringLiteral("/passwd"), m_passwd);
     m_port = freeLoopbackPort();
-    m_tlsPort = tls ? freeLoopbackPort() : 0;
     const QByteArray loginUser =
         ::geteuid() == 0 ? QByteArray("nobody") : QByteArray(::getpwuid(::getuid())->pw_name);
     QByteArray conf = readAll(testData(QStringLiteral("servers/dovecot.conf")));
     conf.replace("@ROOT@", QFile::encodeName(root))
         .replace("@LOGIN@", loginUser)
-        .replace("@TLSPORT@", QByteArray::number(m_tlsPort))
         .replace("@PORT@", QByteArray::number(m_port))
         .replace("@UID@", QByteArray::number(m_mailUid))
         .replace("@GID@", QByteArray::number(m_mailGid));
@@ -91,7 +89,7 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
         {QStringLiteral("-F"), QStringLiteral("-c"), root + QStringLiteral("/dovecot.conf")});
     if (!m_process.waitForStarted(10000))
         return false;
-    return waitForPort(m_port) && (!tls || waitForPort(m_tlsPort));
+    return waitForPort(m_port);
 }
 
 void DovecotServer::stop() {

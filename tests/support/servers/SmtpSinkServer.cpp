@@ -1,5 +1,5 @@
-#include "BuildPaths.h"
 #include "servers/SmtpSinkServer.h"
+#include "BuildPaths.h"
 
 #include "servers/LoopbackPort.h"
 
@@ -17,12 +17,9 @@ bool SmtpSinkServer::start(const Options& o) {
     QStringList args{QStringLiteral(MIREL_SOURCE_DIR "/tests/support/servers/smtp_sink.py"),
                      QStringLiteral("--port"), QString::number(m_port), QStringLiteral("--folder"),
                      m_dir.path()};
-    if (o.tls) {
+    if (o.tls)
         args << QStringLiteral("--cert") << o.tls->certFile << QStringLiteral("--key")
              << o.tls->keyFile;
-        if (o.implicitTls)
-            args << QStringLiteral("--implicit-tls");
-    }
     if (!o.login.isEmpty())
         args << QStringLiteral("--login") << QString::fromUtf8(o.login);
     if (!o.reject.isEmpty())
