@@ -4,11 +4,11 @@ message as N.eml (the bytes received) and N.json (the envelope and what
 Python's email package reads from the message), so the tests check the
 client's output with a parser that is not ours.
 
-Options: --port P --folder F [--cert C --key K] [--login USER:PASSWORD] [--reject TEXT] (recipients containing TEXT are
-refused with 550). Runs until SIGTERM.
+Options: --port P --folder F [--cert C --key K] [--login USER:PASSWORD]
+[--reject TEXT] (recipients containing TEXT are refused with 550). Runs
+until SIGTERM.
 """
 import argparse
-import asyncio
 import base64
 import email
 import email.policy
