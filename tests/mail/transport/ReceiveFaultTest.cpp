@@ -19,24 +19,17 @@ using namespace mirel::test;
 
 namespace {
 
-struct Helper {
-    QByteArray out;
-    bool killed = false;
-};
+using Env = QList<std::pair<const char*, QByteArray>>;
 
-// Runs the helper with extra environment (a kill point, a file size limit).
-Helper runWith(const QStringList& args, const QList<std::pair<const char*, QByteArray>>& env) {
+// Runs the helper with extra environment (a kill point, a file size limit);
+// returns its exit code, -1 when it was killed.
+int runWith(const QStringList& args, const Env& env, QByteArray* out = nullptr) {
     for (const auto& [name, value] : env)
         qputenv(name, value);
-    Helper h;
-    QProcess* p = startHelper(args);
+    const int code = runHelper(args, out);
     for (const auto& [name, value] : env)
         qunsetenv(name);
-    EXPECT_TRUE(p->waitForFinished(60000));
-    h.out = p->readAllStandardOutput();
-    h.killed = p->exitStatus() != QProcess::NormalExit;
-    delete p;
-    return h;
+    return code;
 }
 
 // The ID line comes twice, as some list software sends it: a message must
@@ -97,9 +90,9 @@ protected:
     QStringList receiveArgs(const QString& programDir, const char* user) {
         return {"receive", programDir, QString::number(pop.port()), user, "pw", "2"};
     }
-    Helper receive(const QString& programDir, const char* user,
-                   const QList<std::pair<const char*, QByteArray>>& env = {}) {
-        return runWith(receiveArgs(programDir, user), env);
+    int receive(const QString& programDir, const char* user, const Env& env = {},
+                QByteArray* out = nullptr) {
+        return runWith(receiveArgs(programDir, user), env, out);
     }
 
     // Runs the helper killed after its k-th write, k = 1, 4, 7, … (every
@@ -111,10 +104,10 @@ protected:
         int k = 1;
         for (; k < 1000; k += 3) {
             TempDir dir;
-            const Helper h =
-                runWith(prepare(dir.path()), {{"MIREL_KILL_AFTER_WRITES", QByteArray::number(k)}});
-            check(dir.path(), k, h.killed);
-            if (!h.killed || HasFailure())
+            const bool killed = runWith(prepare(dir.path()),
+                                        {{"MIREL_KILL_AFTER_WRITES", QByteArray::number(k)}}) == -1;
+            check(dir.path(), k, killed);
+            if (!killed || HasFailure())
                 break;
         }
         return k;
@@ -135,7 +128,7 @@ TEST_F(ReceiveFaultTest, KilledAfterAnyWriteAFreshSessionStoresEachMessageOnce) 
     };
     const int k = killAfterEachWrite(deliver, [&](const QString& dir, int k, bool) {
         wholeMessages(dir, "0");
-        EXPECT_FALSE(receive(dir, "ann").killed);
+        EXPECT_NE(receive(dir, "ann"), -1) << "killed without a kill point";
         EXPECT_EQ(wholeMessages(dir, "0"), (QList<QByteArray>{"m1", "m2", "m3"}))
             << "killed after write " << k;
         EXPECT_EQ(pop.messagesOf("ann"), 0) << "killed after write " << k;
@@ -178,7 +171,7 @@ TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSessio
     struct Fault {
         const char* user;
         const char* lockedFile; // held locked by another process
-        QList<std::pair<const char*, QByteArray>> env;
+        Env env;
         bool readOnly = false;
     };
     const Fault faults[] = {
@@ -205,15 +198,16 @@ TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSessio
         }
         if (f.readOnly)
             setWritable(inbox, false);
-        const Helper failed = receive(dir.path(), f.user, f.env);
+        QByteArray out;
+        receive(dir.path(), f.user, f.env, &out);
         if (f.readOnly)
             setWritable(inbox, true);
         if (holder) {
             holder->closeWriteChannel();
             holder->waitForFinished(10000);
         }
-        EXPECT_TRUE(failed.out.contains("could not be stored and stays on the server"))
-            << f.user << ": " << failed.out.constData();
+        EXPECT_TRUE(out.contains("could not be stored and stays on the server"))
+            << f.user << ": " << out.constData();
         EXPECT_EQ(pop.messagesOf(f.user) + wholeMessages(dir.path(), "0").size(), 2) << f.user;
         EXPECT_GT(pop.messagesOf(f.user), 0) << f.user;
 
