@@ -6,18 +6,11 @@ and open no file a message names (a folder of bait files is watched)."""
 import ctypes
 import os
 import subprocess
-import sys
 import threading
 import time
-import unittest
 
-sys.path.insert(0, os.path.dirname(__file__))
-
-from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
-from mirel_harness import BUILD_DIR, SOURCE_DIR, click, x_input  # noqa: E402
-
-if __name__ == "__main__":
-    run_in_private_bus(__file__)
+from mirel_a11y import ScreenReaderCase, main, walk
+from mirel_harness import BUILD_DIR, SOURCE_DIR, click, until, x_input
 
 CORPUS = os.path.join(SOURCE_DIR, "tests", "data", "mail", "hostile")
 
@@ -28,7 +21,7 @@ class Hostile(ScreenReaderCase):
     # (Tags by the megabyte and a BinHex flood are the page and BinHex
     # length tests'.)
     def test_every_hostile_message_opens_and_reads_no_file(self):
-        s = self.session(theme_dir="Default")
+        s = self.session()
         bait, bin_dir = os.path.join(s.tmp, "bait"), os.path.join(s.tmp, "bin")
         os.makedirs(bait)
         os.makedirs(bin_dir)
@@ -41,16 +34,12 @@ class Hostile(ScreenReaderCase):
                        check=True)
         fifo = os.path.join(bait, "fifo")
         os.mkfifo(fifo)
-        messages = {}
-        for name in os.listdir(CORPUS):
-            with open(os.path.join(CORPUS, name)) as f:
-                messages[name] = f.read().replace("@DIR@", bait)
-        for name, text in messages.items():
-            with open(os.path.join(s.tmp, name), "w") as f:
-                f.write(text)
+        messages = [os.path.join(s.tmp, name) for name in os.listdir(CORPUS)]
+        for path in messages:
+            with open(os.path.join(CORPUS, os.path.basename(path))) as f, open(path, "w") as out:
+                out.write(f.read().replace("@DIR@", bait))
         subprocess.run([os.path.join(BUILD_DIR, "tests", "mirel_test_helper"), "store-received",
-                        s.program_dir, *(os.path.join(s.tmp, n) for n in messages)],
-                       check=True, timeout=120)
+                        s.program_dir, *messages], check=True, timeout=120)
 
         libc = ctypes.CDLL(None, use_errno=True)
         watch = libc.inotify_init1(os.O_NONBLOCK)
@@ -60,16 +49,13 @@ class Hostile(ScreenReaderCase):
         writer.start()
         self.addCleanup(lambda: os.close(os.open(fifo, os.O_RDONLY | os.O_NONBLOCK)))
         s.start()
-        self.press("EMAIL")
-        table = self.find("MLmessages", shown=True, timeout=20)
-        time.sleep(1.5)
+        self.screen("EMAIL", "EMAILSENDRECEIVE")
+        table = self.find("MLmessages", shown=True)
         rows = table.queryTable()
         self.assertEqual(rows.nRows, len(messages))
-        for r in range(rows.nRows + 1):
+        for r in range(rows.nRows):
             for other in range(rows.nRows):
                 rows.removeRowSelection(other)
-            if r == rows.nRows:
-                break
             rows.addRowSelection(r)
             time.sleep(1.0)
             icons = self.find("lvAttachments")
@@ -79,16 +65,13 @@ class Hostile(ScreenReaderCase):
                 time.sleep(1.5)  # the tool tip shows
             self.assertIsNone(s.proc.poll(), "the program ended")
 
-        link = next(n for n in walk(table) if n.name == "a link that asks for a file")
-        rows.addRowSelection(rows.getRowAtIndex(link.getIndexInParent()))
+        self.select(table, "a link that asks for a file")
         time.sleep(1.0)
         view = self.find("wbEmail", shown=True).queryComponent().getExtents(
             self.pyatspi.DESKTOP_COORDS)
         click(s.display, view.x + 60, view.y + 14)
 
-        deadline = time.time() + 10
-        while not os.path.exists(opened) and time.time() < deadline:
-            time.sleep(0.2)
+        until(lambda: os.path.exists(opened))
         with open(opened) as f:
             self.assertEqual(f.read().strip(), "mailto:ann@example.org?subject=Hi&body=see")
         with self.assertRaises(BlockingIOError, msg="a file a message names was opened"):
@@ -98,4 +81,4 @@ class Hostile(ScreenReaderCase):
 
 
 if __name__ == "__main__":
-    unittest.main(verbosity=2)
+    main(__file__)

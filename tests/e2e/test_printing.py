@@ -6,17 +6,10 @@ import os
 import re
 import shutil
 import subprocess
-import sys
 import time
-import unittest
 
-sys.path.insert(0, os.path.dirname(__file__))
-
-from mirel_a11y import ScreenReaderCase, run_in_private_bus, walk  # noqa: E402
-from mirel_harness import BUILD_DIR, SOURCE_DIR, Session  # noqa: E402
-
-if __name__ == "__main__":
-    run_in_private_bus(__file__)
+from mirel_a11y import ScreenReaderCase, main
+from mirel_harness import BUILD_DIR, SOURCE_DIR, until
 
 
 class Printing(ScreenReaderCase):
@@ -27,12 +20,10 @@ class Printing(ScreenReaderCase):
         time.sleep(2)  # the theme builds a screen up control by control
         s.send(command)
         if answer:
-            self.find(answer, "push button", shown=True).queryAction().doAction(0)
-        deadline = time.time() + 60
+            self.press(answer)
         # The file is whole once poppler reads it (its index comes last).
-        while subprocess.run(["pdfinfo", self.pdf], capture_output=True).returncode != 0:
-            self.assertLess(time.time(), deadline, command)
-            time.sleep(0.5)
+        until(lambda: subprocess.run(["pdfinfo", self.pdf], capture_output=True).returncode == 0,
+              60, command)
         shutil.copy(self.pdf, os.path.join(BUILD_DIR, "screenshots", "print-%s.pdf" % command))
         text = subprocess.run(["pdftotext", "-layout", self.pdf, "-"], capture_output=True,
                               check=True).stdout.decode()
@@ -44,9 +35,7 @@ class Printing(ScreenReaderCase):
     # month instead of one, a sheet without its picture, a message page
     # without the rule, and a command that never reaches the printer.
     def test_every_print_command(self):
-        s = Session(self.x.display, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                     "QT_ACCESSIBILITY": "1"}, theme=False, theme_dir="Default")
-        self.addCleanup(s.close)
+        s = self.session()
         self.pdf = s.env["MIREL_PRINT_PDF"] = os.path.join(s.tmp, "out.pdf")
         data = os.path.join(SOURCE_DIR, "tests", "data", "print")
         # 100 items of 2099, a day header each: 200 rows; a note of 300 characters on 17 February.
@@ -70,7 +59,7 @@ class Printing(ScreenReaderCase):
 
         s.send("CALENDAR")
         # The typed text is not kept: "Save changes?" answered No.
-        self.find("No", "push button", shown=True).queryAction().doAction(0)
+        self.press("No")
         pages, pictures = self.job(s, "MONTHALL")
         self.assertEqual((len(pages), len(pictures)), (12, 12))
         self.assertRegex(pages[1], r"TORVEX TERMINAL +FEBRUARY")
@@ -79,10 +68,7 @@ class Printing(ScreenReaderCase):
         s.send("EMAIL")
         pages, _ = self.job(s, "EMAILPRINT", answer="Yes")
         self.assertEqual([p.split() for p in pages], [["TORVEX", "TERMINAL"]])  # nothing shown
-        table = self.find("MLmessages")
-        time.sleep(1)
-        cell = next(n for n in walk(table) if n is not table and n.name == "Long")
-        table.queryTable().addRowSelection(table.queryTable().getRowAtIndex(cell.getIndexInParent()))
+        self.select(self.find("MLmessages"), "Long")
         time.sleep(1)
         pages, pictures = self.job(s, "EMAILPRINT", answer="Yes")
         self.assertGreater(len(pages), 1)
@@ -93,4 +79,4 @@ class Printing(ScreenReaderCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    main(__file__)
