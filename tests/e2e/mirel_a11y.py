@@ -129,7 +129,8 @@ class ScreenReaderCase(unittest.TestCase):
             rows.addRowSelection(rows.getRowAtIndex(cell.getIndexInParent()))
 
     def click_node(self, node, clicks=1):
-        """Real pointer clicks at the middle of an accessible node."""
+        """Real pointer clicks at the middle of an accessible node (with none
+        the pointer only rests there)."""
         box = node.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS)
         click(self.x.display, box.x + box.width // 2, box.y + box.height // 2, clicks)
         time.sleep(0.5)

@@ -13,6 +13,7 @@ import time
 MIREL_BIN = os.environ.get("MIREL_BIN", "mirel")
 SOURCE_DIR = os.environ.get("MIREL_SOURCE_DIR", os.path.join(os.path.dirname(__file__), "..", ".."))
 BUILD_DIR = os.environ.get("MIREL_BUILD_DIR", os.path.join(SOURCE_DIR, "build"))
+HELPER = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
 
 
 class Xvfb:
@@ -59,6 +60,11 @@ def until(what, timeout=10, why="never came true"):
         time.sleep(0.2)
 
 
+def read(path):
+    with open(path, "rb") as f:
+        return f.read()
+
+
 def click(display, x, y, clicks=1):
     """Real pointer clicks (two make a double click) at x, y of the display:
     for what a screen reader's actions do not reach (a chooser's pop-up, a
@@ -76,14 +82,9 @@ class Session:
         os.makedirs(os.path.join(self.config, "TORVEX Terminal"))
         os.makedirs(self.program_dir)
         self.use_theme("Default")  # the program installs the bundled one at start
-        self.env = dict(os.environ)
-        self.env.update({
-            "DISPLAY": display,
-            "QT_QPA_PLATFORM": "xcb",
-            "XDG_CONFIG_HOME": self.config,
-            "XDG_DATA_HOME": os.path.join(self.tmp, "data"),
-            "MIREL_READY_MARKER": "1",
-        })
+        self.env = dict(os.environ, DISPLAY=display, QT_QPA_PLATFORM="xcb",
+                        XDG_CONFIG_HOME=self.config, XDG_DATA_HOME=os.path.join(self.tmp, "data"),
+                        MIREL_READY_MARKER="1")
         if "XDG_RUNTIME_DIR" not in os.environ:
             runtime = os.path.join(self.tmp, "run")
             os.makedirs(runtime, mode=0o700)
@@ -92,11 +93,8 @@ class Session:
         self.display = display
         self.proc = None
 
-    def store_file(self):
-        return os.path.join(self.config, "TORVEX Terminal", "settings.ini")
-
     def use_theme(self, folder):
-        with open(self.store_file(), "w") as f:
+        with open(os.path.join(self.config, "TORVEX Terminal", "settings.ini"), "w") as f:
             f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\%s\\\r\n"
                     % (self.program_dir, folder))
 
@@ -143,6 +141,12 @@ class Session:
     def wait_for_log(self, text, timeout=10):
         until(lambda: text in self.debug_log(), timeout, lambda: "debug log never showed %r:\n%s"
               % (text, self.debug_log()))
+
+    def store_received(self, *messages):
+        """Message files stored in the inbox as received mail, unread."""
+        stored = subprocess.run([HELPER, "store-received", self.program_dir, *messages],
+                                capture_output=True, timeout=120)
+        assert stored.returncode == 0, stored.stderr
 
     def index(self, folder="0"):
         """The (subject, read mark) rows of a mail folder's index, or None
@@ -191,8 +195,7 @@ class MailServers:
 
     def __init__(self, session, messages):
         import socket
-        helper = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
-        self.pop = subprocess.Popen([helper, "dovecot", "ann", "s3cret", *messages],
+        self.pop = subprocess.Popen([HELPER, "dovecot", "ann", "s3cret", *messages],
                                     stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         pop = int(self.pop.stdout.readline() or 0)
         self.folder = os.path.join(session.tmp, "sink")
