@@ -98,17 +98,18 @@ class Session:
             f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\%s\\\r\n"
                     % (self.program_dir, folder))
 
-    def bundled_theme(self, debug=True):
-        """Runs a copy of the bundled theme named "Test", its debug log switched on."""
+    def bundled_theme(self, *edits):
+        """Runs a copy of the bundled theme named "Test", each (old, new) of
+        edits made once in its terminal.skn."""
         theme = os.path.join(self.program_dir, "themes", "Test")
         shutil.copytree(os.path.join(SOURCE_DIR, "themes", "Default"), theme)
         skn = os.path.join(theme, "terminal.skn")
-        with open(skn, "rb") as f:
-            text = f.read()
+        text = read(skn)
+        for old, new in edits:
+            text = text.replace(old, new, 1)
         with open(skn, "wb") as f:
-            f.write(text.replace(b"Debug=False", b"Debug=True") if debug else text)
+            f.write(text)
         self.use_theme("Test")
-        return theme
 
     def start(self, timeout=30):
         self.proc = subprocess.Popen([MIREL_BIN], env=self.env, stdout=subprocess.PIPE,
@@ -130,17 +131,6 @@ class Session:
     def send(self, command):
         r = self.run("--send", command)
         assert r.returncode == 0, (command, r.returncode, r.stderr)
-
-    def debug_log(self):
-        path = os.path.join(self.program_dir, "debug.txt")
-        if not os.path.exists(path):
-            return ""
-        with open(path, "rb") as f:
-            return f.read().decode("cp1252")
-
-    def wait_for_log(self, text, timeout=10):
-        until(lambda: text in self.debug_log(), timeout, lambda: "debug log never showed %r:\n%s"
-              % (text, self.debug_log()))
 
     def store_received(self, *messages):
         """Message files stored in the inbox as received mail, unread."""

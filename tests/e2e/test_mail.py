@@ -8,7 +8,6 @@ attachment saved, a shown folder renamed and deleted)."""
 
 import ctypes
 import os
-import re
 import shutil
 import subprocess
 import threading
@@ -54,7 +53,7 @@ class Mail(ScreenReaderCase):
         """The program on its e-mail screen, the messages fetched from the
         server; before_start prepares the program folder."""
         s = self.session()
-        s.bundled_theme(debug=False)
+        s.bundled_theme()
         self.servers = MailServers(s, [message(s.tmp, *m) for m in messages])
         self.addCleanup(self.servers.close)
         before_start(s)
@@ -78,15 +77,14 @@ class Mail(ScreenReaderCase):
         self.click_node(self.find(name, "list item", shown=True))
         self.find("Folder: " + name, shown=True)
 
-    # Catches: encoded subjects or senders listed undecoded, a sender without
-    # a quoted name cut short, a UTF-8 body shown as Latin-1 or its bytes
-    # changed on the page, the read mark on the wrong message, an attachment
-    # named only in its Content-Disposition shown without a name, a source
-    # view that does not show the message. From strangers' mail: a view that
-    # reads /dev/zero or a pipe a message names (abort, hang) or opens any
-    # file it names, a mail link handed on with the files it asks to attach.
-    # (Tags by the megabyte and a BinHex flood are the page and BinHex length
-    # tests'.)
+    # Catches: an encoded subject listed undecoded, a UTF-8 body shown as
+    # Latin-1 or its bytes changed on the page, a shown message not marked
+    # read, an attachment named only in its Content-Disposition shown without
+    # a name, a source view that does not show the message. From strangers'
+    # mail: a view that reads /dev/zero or a pipe a message names (abort,
+    # hang) or opens any file it names, a mail link handed on with the files
+    # it asks to attach. (Tags by the megabyte and a BinHex flood are the page
+    # and BinHex length tests'.)
     def test_received_mail_reads_right_and_harms_nothing(self):
         s = self.session()
         bait, bin_dir = os.path.join(s.tmp, "bait"), os.path.join(s.tmp, "bin")
@@ -121,9 +119,8 @@ class Mail(ScreenReaderCase):
         s.start()
         self.screen("EMAIL", "EMAILSENDRECEIVE")
         table = self.find("MLmessages", shown=True)
-        for cell in ("Grüße aus Köln", "Jörg Müller <joerg@example.de>",
-                     "This is a test message"):
-            self.find(cell, under=table)
+        # Decoding and the sender's name in other rows are the list line tests'.
+        self.find("Grüße aus Köln", under=table)
         time.sleep(0.5)
         s.screenshot("mailview-list")
 
@@ -133,7 +130,6 @@ class Mail(ScreenReaderCase):
         page = read(os.path.join(s.program_dir, "Email", "tmp.html"))
         self.assertIn(b"<BODY BGCOLOR=#000000 TEXT=#FFFFFF>", page)
         self.assertIn("Grüße aus Köln, schöne Grüße!".encode("utf-8"), page, "bytes kept")
-        self.assertEqual([r for subj, r in dict(s.index()).items() if "utf-8" in subj], [1])
         time.sleep(0.5)
         s.screenshot("mailview-html")
 
@@ -304,6 +300,7 @@ class Mail(ScreenReaderCase):
         self.press("OK", settle=0.5)
         self.compose("EMAILFORWARD", "compose-forward")
         self.press("OK", settle=0.5)
+        until(lambda: self.count("1") == 3)  # all three in the outbox before the run starts
         self.send_receive()
 
         # Every recipient reaches the server, Bcc in the envelope only; the
@@ -323,9 +320,8 @@ class Mail(ScreenReaderCase):
         self.assertEqual((to_reply, reply["Subject"], str(reply["To"])),
                          (["bob@example.org"], "Re: Quarterly figures", "Bob <bob@example.org>"))
         for part in ("plain", "html"):
-            body = reply.get_body((part,)).get_content()
-            self.assertTrue(re.search(r"Original message.*Here are the figures\.", body, re.S),
-                            body)
+            self.assertRegex(reply.get_body((part,)).get_content(),
+                             r"(?s)Original message.*Here are the figures\.")
 
         # A forward keeps the reply's presets, the original's attachments added.
         self.assertEqual((to_fwd, fwd["Subject"]), (["bob@example.org"], "Re: Quarterly figures"))
