@@ -41,6 +41,8 @@ bool AsyncPop3Client::start(int action) {
             QMetaObject::invokeMethod(
                 this, [this, generation, action, error] { finish(generation, action, error); },
                 Qt::QueuedConnection);
+            if (action == Fetch && !error && n < m_client.messageCount())
+                readAhead(n + 1);
         },
         Qt::QueuedConnection);
     return true;
@@ -49,20 +51,33 @@ bool AsyncPop3Client::start(int action) {
 void AsyncPop3Client::run(int action, const MailServer& server, int messageNumber) {
     switch (action) {
     case Connect:
+        m_ahead = {};
         m_lastError = m_client.connect(server);
         m_fetchedCount = m_client.messageCount();
         break;
     case Fetch:
-        m_lastError = m_client.fetch(messageNumber, m_fetched);
+        if (m_ahead.number == messageNumber) {
+            m_fetched = std::move(m_ahead.message);
+            m_lastError = m_ahead.error;
+        } else {
+            m_lastError = m_client.fetch(messageNumber, m_fetched);
+        }
+        m_ahead = {};
         break;
     case Delete:
         m_lastError = m_client.remove(messageNumber);
         break;
     case Logout:
+        m_ahead = {};
         m_client.logout();
         m_lastError = {};
         break;
     }
+}
+
+void AsyncPop3Client::readAhead(int n) {
+    m_ahead.number = n;
+    m_ahead.error = m_client.fetch(n, m_ahead.message);
 }
 
 void AsyncPop3Client::finish(quint64 generation, int action, const TransportError& error) {
@@ -87,7 +102,12 @@ void AsyncPop3Client::close() {
     m_client.abort();
     // Runs after whatever the worker is doing now, which the abort ends soon.
     QMetaObject::invokeMethod(
-        &m_worker, [this] { m_client.logout(); }, Qt::BlockingQueuedConnection);
+        &m_worker,
+        [this] {
+            m_ahead = {};
+            m_client.logout();
+        },
+        Qt::BlockingQueuedConnection);
 }
 
 } // namespace mirel

@@ -6,6 +6,12 @@
 // (the count after Connect, the message after Fetch) are read on the
 // starting thread after its signal; the worker does not touch them again
 // until the next start.
+//
+// Read-ahead: after fetching message n the worker goes straight on to n + 1,
+// while the starting thread stores n; a Fetch of n + 1 then only hands over
+// what is already there. The server sees the same commands in the same
+// order as without it (the session fetches every message before it
+// deletes any); a session that stops early has sent one RETR more.
 #include "platform/MailServer.h"
 #include "platform/Pop3Client.h"
 #include "platform/TransportError.h"
@@ -20,7 +26,7 @@ namespace mirel {
 /// numbers them.
 class AsyncPop3Client : public QObject {
     Q_OBJECT
-  public:
+public:
     enum Action { Connect = 3, Logout = 8, Delete = 10, Fetch = 13 };
 
     explicit AsyncPop3Client(QObject* parent = nullptr);
@@ -47,14 +53,15 @@ class AsyncPop3Client : public QObject {
     /// signal follows for the stopped action. Safe to call twice.
     void close();
 
-  Q_SIGNALS:
+Q_SIGNALS:
     void completed(int action);
     void failed(int number, const QByteArray& description);
     void traced(const QByteArray& text);
     void progress(qint64 done, qint64 total);
 
-  private:
+private:
     void run(int action, const MailServer& server, int messageNumber);
+    void readAhead(int n);
     void finish(quint64 generation, int action, const TransportError& error);
 
     QThread m_thread;
@@ -68,6 +75,12 @@ class AsyncPop3Client : public QObject {
     int m_count = 0;
     QByteArray m_message;
     QByteArray m_fetched; // written on m_thread, handed over in finish()
+    struct ReadAhead {
+        int number = 0; // 0: nothing read ahead
+        QByteArray message;
+        TransportError error;
+    };
+    ReadAhead m_ahead; // used only on m_thread
     int m_fetchedCount = 0;
     TransportError m_lastError; // likewise
     TransportError m_lastFailure;

@@ -52,8 +52,8 @@ TransportError Pop3Client::connect(const MailServer& server) {
     m_easy.configure(server);
     if (!implicitTls(server))
         m_easy.requireStartTls(server);
-    // STAT is answered on one line: it logs in and gives the count without
-    // listing every message.
+    // STAT logs in and gives the count on one line, so a garbled count is
+    // caught before the listing is read.
     TransportError e = command("STAT", 0);
     if (e)
         return e;
@@ -70,7 +70,41 @@ TransportError Pop3Client::connect(const MailServer& server) {
         return {CURLE_WEIRD_SERVER_REPLY,
                 "The server's message count is not a number: " + replies.last()};
     }
+    if (m_count > 0) {
+        if (TransportError listed = readSizes()) {
+            logout();
+            return listed;
+        }
+    }
     m_connected = true;
+    return {};
+}
+
+// One LIST for the whole mailbox instead of one per message: every fetch
+// then costs the server one command, not two.
+TransportError Pop3Client::readSizes() {
+    QByteArray listing;
+    Sink sink{&listing, m_maxMessageSize};
+    CURL* c = m_easy.handle();
+    curl_easy_setopt(c, CURLOPT_URL, urlFor(m_server, 0).constData());
+    curl_easy_setopt(c, CURLOPT_CUSTOMREQUEST, nullptr);
+    curl_easy_setopt(c, CURLOPT_NOBODY, 0L);
+    curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, &appendTo);
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
+    const TransportError e = m_easy.perform();
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, nullptr);
+    if (e)
+        return e;
+    // "n size" per line; a message the listing leaves out is fetched
+    // without a size check (the fetch's own cap still holds).
+    m_sizes.assign(size_t(m_count), -1);
+    for (const QByteArray& line : listing.split('\n')) {
+        const QList<QByteArray> words = line.trimmed().split(' ');
+        bool ok = false;
+        const int n = words.size() > 1 ? words[0].toInt(&ok) : 0;
+        if (ok && n >= 1 && n <= m_count)
+            m_sizes[size_t(n - 1)] = words[1].toLongLong();
+    }
     return {};
 }
 
@@ -91,16 +125,12 @@ TransportError Pop3Client::fetch(int n, QByteArray& message) {
     message.clear();
     if (!m_connected)
         return notConnected();
-    // The size the server announces decides before anything is fetched.
-    if (TransportError e = command("LIST", n))
-        return e;
-    const QList<QByteArray>& replies = m_easy.replyLines();
-    const QList<QByteArray> words =
-        replies.isEmpty() ? QList<QByteArray>() : replies.last().trimmed().split(' ');
-    if (words.size() > 2 && words[2].toLongLong() > m_maxMessageSize)
-        return {kMessageTooLarge, "Message " + QByteArray::number(n) + " (" +
-                                      megabytes(words[2].toLongLong()) + ") is larger than " +
-                                      megabytes(m_maxMessageSize) + " and stays on the server"};
+    // The size the server announced decides before anything is fetched.
+    const qint64 size = n >= 1 && size_t(n) <= m_sizes.size() ? m_sizes[size_t(n - 1)] : -1;
+    if (size > m_maxMessageSize)
+        return {kMessageTooLarge, "Message " + QByteArray::number(n) + " (" + megabytes(size) +
+                                      ") is larger than " + megabytes(m_maxMessageSize) +
+                                      " and stays on the server"};
     CURL* c = m_easy.handle();
     Sink sink{&message, m_maxMessageSize};
     curl_easy_setopt(c, CURLOPT_URL, urlFor(m_server, n).constData());
@@ -136,6 +166,7 @@ void Pop3Client::logout() {
     m_easy.reset();
     m_connected = false;
     m_count = 0;
+    m_sizes.clear();
 }
 
 } // namespace mirel

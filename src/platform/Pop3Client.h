@@ -1,8 +1,9 @@
 #pragma once
 // A POP3 session on one libcurl handle: connect() logs in and reads the
-// message count (STAT); fetch() and remove() then run on the same
-// connection, so the server sees one log-in per session; logout() sends QUIT,
-// which is when the server really deletes what remove() marked.
+// message count (STAT) and every message's size (LIST); fetch() and
+// remove() then run on the same connection, so the server sees one log-in
+// per session; logout() sends QUIT, which is when the server really deletes
+// what remove() marked.
 //
 // TLS: port 995 speaks TLS from the first byte; on any other port STLS is
 // used when the server offers it. Certificates are always checked: a server
@@ -12,11 +13,13 @@
 // Blocking; one thread at a time. AsyncPop3Client runs it off the UI thread.
 #include "platform/CurlEasy.h"
 
+#include <vector>
+
 namespace mirel {
 
 /// Blocking POP3 client: log in, count, fetch, delete, log out.
 class Pop3Client {
-  public:
+public:
     static constexpr int kImplicitTlsPort = 995;
     /// Messages above this size are not fetched: they stay on the server.
     static constexpr qint64 kDefaultMaxMessageSize = 100 * 1024 * 1024;
@@ -44,14 +47,16 @@ class Pop3Client {
     /// The address of message n (0: the mailbox); its scheme shows the TLS kind.
     static QByteArray urlFor(const MailServer& server, int message);
 
-  private:
+private:
     static bool implicitTls(const MailServer& server);
     TransportError command(const char* verb, int message);
+    TransportError readSizes();
     TransportError notConnected() const;
 
     CurlEasy m_easy;
     MailServer m_server;
     int m_count = 0;
+    std::vector<qint64> m_sizes; // announced size of message n at n - 1; -1: not listed
     qint64 m_maxMessageSize = kDefaultMaxMessageSize;
     bool m_connected = false;
 };

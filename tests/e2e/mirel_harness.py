@@ -3,9 +3,9 @@ program folder, and drives it the way the family shell does: through the
 command and exit mailboxes (mirel --send / --quit)."""
 
 import os
-import re
 import select
 import shutil
+import sqlite3
 import subprocess
 import tempfile
 import time
@@ -13,7 +13,7 @@ import time
 MIREL_BIN = os.environ.get("MIREL_BIN", "mirel")
 SOURCE_DIR = os.environ.get("MIREL_SOURCE_DIR", os.path.join(os.path.dirname(__file__), "..", ".."))
 BUILD_DIR = os.environ.get("MIREL_BUILD_DIR", os.path.join(SOURCE_DIR, "build"))
-THEME_SOURCE = os.path.join(SOURCE_DIR, "tests", "data", "skins", "e2e")
+HELPER = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
 
 
 class Xvfb:
@@ -25,16 +25,8 @@ class Xvfb:
             ["Xvfb", "-displayfd", str(w), "-noreset", "-nolisten", "tcp", "-screen", "0", size],
             pass_fds=[w], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(w)
-        number = b""
-        deadline = time.time() + 20
-        while not number.endswith(b"\n") and time.time() < deadline:
-            ready, _, _ = select.select([r], [], [], 1)
-            if ready:
-                chunk = os.read(r, 16)
-                if not chunk:
-                    break
-                number += chunk
-        os.close(r)
+        with os.fdopen(r, "rb") as numbers:  # the number, a line of its own, once it listens
+            number = numbers.readline() if select.select([numbers], [], [], 20)[0] else b""
         if not number.strip():
             self.stop()
             raise RuntimeError("Xvfb did not report a display")
@@ -55,84 +47,44 @@ def _end(proc):
             proc.wait()
 
 
+def until(what, timeout=10, why="never came true"):
+    """What what() returns once it is true, asked again until timeout seconds
+    have passed; why (a text, or a function making one) is the failure."""
+    deadline = time.time() + timeout
+    while True:
+        found = what()
+        if found:
+            return found
+        if time.time() > deadline:
+            raise AssertionError(why() if callable(why) else why)
+        time.sleep(0.2)
+
+
+def read(path):
+    with open(path, "rb") as f:
+        return f.read()
+
+
 def click(display, x, y, clicks=1):
-    """Real pointer clicks (two make a double click) at x, y of the display,
-    through the X test extension: for what a screen reader's actions do not
-    reach (a chooser's pop-up, a double click, a window without a name)."""
-    import ctypes
-    x11 = ctypes.CDLL("libX11.so.6")
-    xtst = ctypes.CDLL("libXtst.so.6")
-    x11.XOpenDisplay.restype = ctypes.c_void_p
-    x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
-    xtst.XTestFakeMotionEvent.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int,
-                                          ctypes.c_int, ctypes.c_ulong]
-    xtst.XTestFakeButtonEvent.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int,
-                                          ctypes.c_ulong]
-    x11.XFlush.argtypes = [ctypes.c_void_p]
-    x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
-    dpy = x11.XOpenDisplay(display.encode())
-    xtst.XTestFakeMotionEvent(dpy, -1, x, y, 0)
-    x11.XFlush(dpy)
-    time.sleep(0.3)
-    for _ in range(clicks):
-        xtst.XTestFakeButtonEvent(dpy, 1, 1, 0)
-        xtst.XTestFakeButtonEvent(dpy, 1, 0, 0)
-        x11.XFlush(dpy)
-        time.sleep(0.05)
-    x11.XCloseDisplay(dpy)
-
-
-def _picture(path, text, colour, size="120x38"):
-    subprocess.run(["convert", "-size", size, "xc:" + colour, "-fill", "white",
-                    "-font", "DejaVu-Sans", "-pointsize", "14", "-gravity", "center",
-                    "-annotate", "0", text, "BMP3:" + path], check=True)
-
-
-def _sound(path):
-    subprocess.run(["sox", "-n", "-r", "22050", "-c", "1", "-b", "16", path,
-                    "synth", "0.05", "sine", "880"], check=True,
-                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-
-
-def build_theme(target):
-    """Copies the test theme and draws its pictures and sounds."""
-    shutil.copytree(THEME_SOURCE, target)
-    names = set()
-    for skn in ("Mirel.skn", "terminal.skn"):
-        with open(os.path.join(target, skn), "rb") as f:
-            names.update(re.findall(rb"=B,([a-z_]+)\.bmp,", f.read()))
-    for name in sorted(names):
-        name = name.decode()
-        label = name[4:].upper() if name.startswith("btn_") else name
-        _picture(os.path.join(target, name + ".bmp"), label, "#2d4d8a")
-        _picture(os.path.join(target, name + "a.bmp"), label, "#c07020")
-    _picture(os.path.join(target, "input.bmp"), "Password", "#506070", "300x130")
-    for sound in ("start", "click", "hover"):
-        _sound(os.path.join(target, sound + ".wav"))
+    """Real pointer clicks (two make a double click) at x, y of the display:
+    for what a screen reader's actions do not reach (a chooser's pop-up, a
+    double click, a window without a name)."""
+    x_input(display, move=(x, y), clicks=clicks)
 
 
 class Session:
     """One program folder, one settings store, one running program."""
 
-    def __init__(self, display, extra_env=None, theme=True, theme_dir="Test"):
+    def __init__(self, display, extra_env=None):
         self.tmp = tempfile.mkdtemp(prefix="mirel-e2e-")
         self.config = os.path.join(self.tmp, "config")
         self.program_dir = os.path.join(self.tmp, "prog")
         os.makedirs(os.path.join(self.config, "TORVEX Terminal"))
         os.makedirs(self.program_dir)
-        if theme:
-            build_theme(os.path.join(self.program_dir, "themes", theme_dir))
-        with open(self.store_file(), "w") as f:
-            f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\%s\\\r\n"
-                    % (self.program_dir, theme_dir))
-        self.env = dict(os.environ)
-        self.env.update({
-            "DISPLAY": display,
-            "QT_QPA_PLATFORM": "xcb",
-            "XDG_CONFIG_HOME": self.config,
-            "XDG_DATA_HOME": os.path.join(self.tmp, "data"),
-            "MIREL_READY_MARKER": "1",
-        })
+        self.use_theme("Default")  # the program installs the bundled one at start
+        self.env = dict(os.environ, DISPLAY=display, QT_QPA_PLATFORM="xcb",
+                        XDG_CONFIG_HOME=self.config, XDG_DATA_HOME=os.path.join(self.tmp, "data"),
+                        MIREL_READY_MARKER="1")
         if "XDG_RUNTIME_DIR" not in os.environ:
             runtime = os.path.join(self.tmp, "run")
             os.makedirs(runtime, mode=0o700)
@@ -141,39 +93,36 @@ class Session:
         self.display = display
         self.proc = None
 
-    def store_file(self):
-        return os.path.join(self.config, "TORVEX Terminal", "settings.ini")
+    def use_theme(self, folder):
+        with open(os.path.join(self.config, "TORVEX Terminal", "settings.ini"), "w") as f:
+            f.write("[Default]\r\nProgramDir=%s\r\nThemeDir=\\themes\\%s\\\r\n"
+                    % (self.program_dir, folder))
 
-    def bundled_theme(self, debug=True):
-        """Copies the bundled theme in as "Test", its debug log switched on."""
+    def bundled_theme(self, *edits):
+        """Runs a copy of the bundled theme named "Test", each (old, new) of
+        edits made once in its terminal.skn."""
         theme = os.path.join(self.program_dir, "themes", "Test")
         shutil.copytree(os.path.join(SOURCE_DIR, "themes", "Default"), theme)
         skn = os.path.join(theme, "terminal.skn")
-        with open(skn, "rb") as f:
-            text = f.read()
+        text = read(skn)
+        for old, new in edits:
+            text = text.replace(old, new, 1)
         with open(skn, "wb") as f:
-            f.write(text.replace(b"Debug=False", b"Debug=True") if debug else text)
-        return theme
+            f.write(text)
+        self.use_theme("Test")
 
     def start(self, timeout=30):
         self.proc = subprocess.Popen([MIREL_BIN], env=self.env, stdout=subprocess.PIPE,
                                      stderr=subprocess.DEVNULL)
-        self.started = time.time()
-        line = b""
-        deadline = time.time() + timeout
-        while time.time() < deadline:
-            ready, _, _ = select.select([self.proc.stdout], [], [], 0.5)
-            if ready:
-                chunk = self.proc.stdout.readline()
-                if not chunk:
-                    break
-                line = chunk
-                if line.strip() == b"Ready":
-                    return
-            if self.proc.poll() is not None:
-                break
-        raise AssertionError("mirel did not become ready (last output %r, rc %r)"
-                             % (line, self.proc.poll()))
+        lines = [b""]
+
+        def ready():
+            if select.select([self.proc.stdout], [], [], 0.5)[0]:
+                lines.append(self.proc.stdout.readline())
+            assert self.proc.poll() is None, "mirel ended (rc %r, output %r)" % (self.proc.poll(),
+                                                                                lines)
+            return lines[-1].strip() == b"Ready"
+        until(ready, timeout, lambda: "mirel did not become ready (output %r)" % lines)
 
     def run(self, *args, timeout=20):
         return subprocess.run([MIREL_BIN, *args], env=self.env, capture_output=True,
@@ -183,27 +132,26 @@ class Session:
         r = self.run("--send", command)
         assert r.returncode == 0, (command, r.returncode, r.stderr)
 
-    def debug_log(self):
-        path = os.path.join(self.program_dir, "debug.txt")
+    def store_received(self, *messages):
+        """Message files stored in the inbox as received mail, unread."""
+        stored = subprocess.run([HELPER, "store-received", self.program_dir, *messages],
+                                capture_output=True, timeout=120)
+        assert stored.returncode == 0, stored.stderr
+
+    def index(self, folder="0"):
+        """The (subject, read mark) rows of a mail folder's index, or None
+        while there is none (its file appears a moment before its table)."""
+        path = os.path.join(self.program_dir, "Email", folder, "index.mdb")
         if not os.path.exists(path):
-            return ""
-        with open(path, "rb") as f:
-            return f.read().decode("cp1252")
-
-    def wait_for_log(self, text, timeout=10):
-        deadline = time.time() + timeout
-        while time.time() < deadline:
-            if text in self.debug_log():
-                return True
-            time.sleep(0.1)
-        raise AssertionError("debug log never showed %r:\n%s" % (text, self.debug_log()))
-
-    def mailbox(self, section, key):
-        with open(self.store_file(), "rb") as f:
-            text = f.read().decode("cp1252")
-        m = re.search(r"\[%s\][^\[]*?^%s=(.*?)\r?$" % (re.escape(section), re.escape(key)),
-                      text, re.M | re.S | re.I)
-        return m.group(1) if m else None
+            return None
+        db = sqlite3.connect(path)
+        try:
+            return [(bytes(subject).decode("cp1252"), readed) for subject, readed
+                    in db.execute('SELECT "Subject", "Readed" FROM "Index"')]
+        except sqlite3.OperationalError:
+            return None
+        finally:
+            db.close()
 
     def screenshot(self, name):
         folder = os.path.join(BUILD_DIR, "screenshots")
@@ -237,8 +185,7 @@ class MailServers:
 
     def __init__(self, session, messages):
         import socket
-        helper = os.path.join(BUILD_DIR, "tests", "mirel_test_helper")
-        self.pop = subprocess.Popen([helper, "dovecot", "ann", "s3cret", *messages],
+        self.pop = subprocess.Popen([HELPER, "dovecot", "ann", "s3cret", *messages],
                                     stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         pop = int(self.pop.stdout.readline() or 0)
         self.folder = os.path.join(session.tmp, "sink")
@@ -269,11 +216,8 @@ class MailServers:
         import email.policy
         import json
         names = [os.path.join(self.folder, str(n)) for n in range(1, count + 1)]
-        deadline = time.time() + timeout
-        while not all(os.path.exists(n + ".json") for n in names):
-            if time.time() > deadline:
-                raise AssertionError("the SMTP sink has %s" % os.listdir(self.folder))
-            time.sleep(0.3)
+        until(lambda: all(os.path.exists(n + ".json") for n in names), timeout,
+              lambda: "the SMTP sink has %s" % os.listdir(self.folder))
         out = []
         for n in names:
             with open(n + ".json") as j, open(n + ".eml", "rb") as m:
@@ -282,24 +226,20 @@ class MailServers:
         return out
 
     def close(self):
+        self.pop.stdin.close()  # the helper stops its dovecot when its input ends
+        try:
+            self.pop.wait(15)
+        except subprocess.TimeoutExpired:
+            pass
         for p in (self.pop, self.smtp):
-            if p.poll() is None:
-                if p is self.pop:
-                    p.stdin.close()
-                else:
-                    p.terminate()
-                try:
-                    p.wait(15)
-                except subprocess.TimeoutExpired:
-                    p.kill()
-                    p.wait()
+            _end(p)
             p.stdout.close()
 
 
-def x_input(display, keys=(), wheel=0, move=None):
+def x_input(display, keys=(), wheel=0, move=None, clicks=0):
     """Through the X test extension: the pointer moved to `move` (x, y), key
-    presses (X key names) at the focus, wheel notches (up when positive)
-    under the pointer."""
+    presses (X key names) at the focus, wheel notches (up when positive) and
+    left clicks under the pointer."""
     import ctypes
     x11, xtst = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
     x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -312,12 +252,15 @@ def x_input(display, keys=(), wheel=0, move=None):
     dpy = x11.XOpenDisplay(display.encode())
     if move:
         xtst.XTestFakeMotionEvent(dpy, -1, move[0], move[1], 0)
+        x11.XFlush(dpy)
+        time.sleep(0.3)
+    button = xtst.XTestFakeButtonEvent
     events = [(xtst.XTestFakeKeyEvent, x11.XKeysymToKeycode(dpy, x11.XStringToKeysym(k.encode())))
-              for k in keys] + [(xtst.XTestFakeButtonEvent, 4 if wheel > 0 else 5)] * abs(wheel)
+              for k in keys] + [(button, 4 if wheel > 0 else 5)] * abs(wheel)
+    events += [(button, 1)] * clicks
     for fake, code in events:
         fake(dpy, code, 1, 0)
         fake(dpy, code, 0, 0)
         x11.XFlush(dpy)
-        time.sleep(0.2)
-    x11.XFlush(dpy)
+        time.sleep(0.05 if code == 1 and fake is button else 0.2)
     x11.XCloseDisplay(dpy)

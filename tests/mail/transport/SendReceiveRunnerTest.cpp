@@ -256,8 +256,8 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
     const QList<QByteArray> login = {"+OK\r\nUSER\r\n.\r\n", "+OK\r\n", "+OK logged in\r\n"};
     const QByteArray one = "+OK\r\nMessage-ID: <d1@x>\r\nSubject: one\r\n\r\nbody\r\n.\r\n";
     ScriptedServer dropped(greeting,
-                           login + QList<QByteArray>{"+OK 2 100\r\n", "+OK 1 50\r\n", one,
-                                                     "+OK 2 50\r\n",
+                           login + QList<QByteArray>{"+OK 2 100\r\n",
+                                                     "+OK\r\n1 50\r\n2 50\r\n.\r\n", one,
                                                      "+OK\r\nSubject: x\r\n\r\nhal"},
                            ScriptedServer::Ending::HangUp);
     ScriptedServer silent(greeting, {}, ScriptedServer::Ending::Silence);
