@@ -127,10 +127,11 @@ protected:
         return r;
     }
 
-    qint32 storeOutbox(const QByteArray& from, const QByteArray& to, const QByteArray& subject,
-                       const QByteArray& headers, std::vector<AttachmentRow> attachments = {}) {
+    // Every outgoing message is Ann's, so it goes out through her account.
+    qint32 storeOutbox(const QByteArray& to, const QByteArray& subject, const QByteArray& headers,
+                       std::vector<AttachmentRow> attachments = {}) {
         NewIndexFields f;
-        f.from = from;
+        f.from = "\"Ann\" <ann@x.org>";
         f.to = to;
         f.subject = subject;
         f.date = "Sun, 22 Nov 2026 10:00:00 +0100";
@@ -162,7 +163,7 @@ TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
     QByteArray binary;
     for (int i = 0; i < 25000; ++i)
         binary += char((i * 13) & 0xFF);
-    storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org, \"Lee, Jo\" <jo@x.org>", "Caf\xE9 report",
+    storeOutbox("bob@x.org, \"Lee, Jo\" <jo@x.org>", "Caf\xE9 report",
                 "Cc: carl@x.org\r\nBcc: hidden@x.org\r\nX-Mailer: M\r\nX-Note: d\xE9j\xE0 vu\r\n"
                 "Content-Type: text/plain\r\n",
                 {{"r\xE9sum\xE9.bin", binary}, {"empty.txt", {}}});
@@ -250,7 +251,7 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
     pop.deliver("ann", "Subject: a\r\n\r\nx\r\n");
     ASSERT_TRUE(pop.start());
     const int closedPort = freeLoopbackPort();
-    storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "waiting", "");
+    storeOutbox("bob@x.org", "waiting", "");
 
     const QByteArray greeting = "+OK ready\r\n";
     const QList<QByteArray> login = {"+OK\r\nUSER\r\n.\r\n", "+OK\r\n", "+OK logged in\r\n"};
@@ -340,8 +341,8 @@ TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
     SmtpSinkServer::Options o;
     o.reject = "refused";
     ASSERT_TRUE(smtp.start(o));
-    const qint32 bad = storeOutbox("\"Ann\" <ann@x.org>", "ok@x.org, refused@x.org", "bad", "");
-    storeOutbox("\"Ann\" <ann@x.org>", "ok@x.org", "good", "");
+    const qint32 bad = storeOutbox("ok@x.org, refused@x.org", "bad", "");
+    storeOutbox("ok@x.org", "good", "");
     const Outcome r = run({ann("", local(smtp.port()), false)});
     ASSERT_TRUE(r.over);
     EXPECT_TRUE(r.lines.at(1).startsWith("Outbox: 127.0.0.1 refused: 5")) << r.text().constData();
@@ -368,10 +369,9 @@ TEST_F(SendReceiveRunnerTest, LargeMessagesInAndOutKeepTheLoopTurning) {
     QByteArray payload(30 * 1024 * 1024, '\0');
     for (int i = 0; i < payload.size(); ++i)
         payload[i] = char((i * 31) >> 3);
-    const qint32 tooBig =
-        storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "too big", "", {{"big.bin", payload}});
+    const qint32 tooBig = storeOutbox("bob@x.org", "too big", "", {{"big.bin", payload}});
     payload.truncate(20 * 1024 * 1024);
-    storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "big", "", {{"big.bin", payload}});
+    storeOutbox("bob@x.org", "big", "", {{"big.bin", payload}});
 
     const Outcome r = run({ann(local(pop.port()), local(smtp.port()), true)}, 30);
     ASSERT_TRUE(r.over);
@@ -463,7 +463,7 @@ TEST_F(SendReceiveRunnerTest, TlsIsRequiredAndTrustIsAskedOnceAndKept) {
 
     // Sending: the same question, then the message goes out inside TLS.
     ASSERT_TRUE(smtp.start({cert, {}, {}}));
-    storeOutbox("\"Ann\" <ann@x.org>", "bob@x.org", "over TLS", "");
+    storeOutbox("bob@x.org", "over TLS", "");
     asked.clear();
     ask = [](auto&, auto&) { return true; };
     const Outcome sent = run({ann("", local(smtp.port()), false)});
