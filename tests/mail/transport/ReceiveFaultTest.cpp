@@ -11,6 +11,7 @@
 #include <SQLiteCpp/Statement.h>
 #include <functional>
 #include <gtest/gtest.h>
+#include <memory>
 #include <unistd.h>
 
 using namespace mirel;
@@ -18,24 +19,17 @@ using namespace mirel::test;
 
 namespace {
 
-struct Helper {
-    QByteArray out;
-    bool killed = false;
-};
+using Env = QList<std::pair<const char*, QByteArray>>;
 
-// Runs the helper with extra environment (a kill point, a file size limit).
-Helper runWith(const QStringList& args, const QList<std::pair<const char*, QByteArray>>& env) {
+// Runs the helper with extra environment (a kill point, a file size limit);
+// returns its exit code, -1 when it was killed.
+int runWith(const QStringList& args, const Env& env, QByteArray* out = nullptr) {
     for (const auto& [name, value] : env)
         qputenv(name, value);
-    Helper h;
-    QProcess* p = startHelper(args);
+    const int code = runHelper(args, out);
     for (const auto& [name, value] : env)
         qunsetenv(name);
-    EXPECT_TRUE(p->waitForFinished(60000));
-    h.out = p->readAllStandardOutput();
-    h.killed = p->exitStatus() != QProcess::NormalExit;
-    delete p;
-    return h;
+    return code;
 }
 
 // The ID line comes twice, as some list software sends it: a message must
@@ -79,16 +73,44 @@ QList<QByteArray> wholeMessages(const QString& programDir, const char* folder) {
     return subjects;
 }
 
+// Permissions do not stop root; an immutable folder does.
+void setWritable(const QString& folder, bool writable) {
+    if (geteuid() == 0)
+        QProcess::execute("chattr", {writable ? "-i" : "+i", folder});
+    else
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner |
+                                          (writable ? QFile::WriteOwner : QFile::Permissions()));
+}
+
 class ReceiveFaultTest : public ::testing::Test {
 protected:
     DovecotServer pop;
     void SetUp() override { ensureCoreApp(); }
 
-    Helper receive(const QString& programDir, const char* user, int group = 2,
-                   const QList<std::pair<const char*, QByteArray>>& env = {}) {
-        return runWith({"receive", programDir, QString::number(pop.port()), user, "pw",
-                        QString::number(group)},
-                       env);
+    QStringList receiveArgs(const QString& programDir, const char* user) {
+        return {"receive", programDir, QString::number(pop.port()), user, "pw", "2"};
+    }
+    int receive(const QString& programDir, const char* user, const Env& env = {},
+                QByteArray* out = nullptr) {
+        return runWith(receiveArgs(programDir, user), env, out);
+    }
+
+    // Runs the helper killed after its k-th write, k = 1, 4, 7, … (every
+    // stretch between two syncs is still hit), each time in a fresh program
+    // folder that prepare fills and that check then looks at, until a run
+    // ends on its own. Returns the last k.
+    int killAfterEachWrite(const std::function<QStringList(const QString&)>& prepare,
+                           const std::function<void(const QString&, int k, bool killed)>& check) {
+        int k = 1;
+        for (; k < 1000; k += 3) {
+            TempDir dir;
+            const bool killed = runWith(prepare(dir.path()),
+                                        {{"MIREL_KILL_AFTER_WRITES", QByteArray::number(k)}}) == -1;
+            check(dir.path(), k, killed);
+            if (!killed || HasFailure())
+                break;
+        }
+        return k;
     }
 };
 
@@ -99,23 +121,18 @@ protected:
 TEST_F(ReceiveFaultTest, KilledAfterAnyWriteAFreshSessionStoresEachMessageOnce) {
     pop.addUser("ann", "pw");
     ASSERT_TRUE(pop.start());
-    const QList<QByteArray> all = {"m1", "m2", "m3"};
-    // Every third write: each stretch between two syncs is still hit.
-    int k = 1;
-    for (; k < 1000; k += 3) {
-        TempDir dir;
+    auto deliver = [&](const QString& dir) {
         for (int n = 1; n <= 3; ++n)
             pop.deliver("ann", message(n, n == 2 ? 5000 : 0));
-        const Helper killed =
-            receive(dir.path(), "ann", 2, {{"MIREL_KILL_AFTER_WRITES", QByteArray::number(k)}});
-        wholeMessages(dir.path(), "0");
-        const Helper fresh = receive(dir.path(), "ann");
-        EXPECT_FALSE(fresh.killed);
-        EXPECT_EQ(wholeMessages(dir.path(), "0"), all) << "killed after write " << k;
+        return receiveArgs(dir, "ann");
+    };
+    const int k = killAfterEachWrite(deliver, [&](const QString& dir, int k, bool) {
+        wholeMessages(dir, "0");
+        EXPECT_NE(receive(dir, "ann"), -1) << "killed without a kill point";
+        EXPECT_EQ(wholeMessages(dir, "0"), (QList<QByteArray>{"m1", "m2", "m3"}))
+            << "killed after write " << k;
         EXPECT_EQ(pop.messagesOf("ann"), 0) << "killed after write " << k;
-        if (!killed.killed || HasFailure())
-            break;
-    }
+    });
     EXPECT_GT(k, 20) << "fewer writes than expected: is the kill hook in place?";
     RecordProperty("kill_points", k);
 }
@@ -123,33 +140,28 @@ TEST_F(ReceiveFaultTest, KilledAfterAnyWriteAFreshSessionStoresEachMessageOnce) 
 // Catches a move that commits file by file: killed after any write, the
 // message is whole in exactly one of the two folders.
 TEST_F(ReceiveFaultTest, AMoveKilledAfterAnyWriteLeavesTheMessageInOneFolder) {
-    for (int k = 1; k < 1000; k += 3) {
-        TempDir dir;
-        {
-            RecordingMessageSink sink;
-            SystemClock clock;
-            MailStore store(dir.path(), clock, sink);
-            for (const char* folder : {"1", "2"}) {
-                QDir().mkpath(store.folderDir(folder));
-                store.CreateIndexDatabase(folder);
-                store.CreateDataDatabase(folder);
-                store.CreateAttachmentsDatabase(folder);
-            }
-            NewIndexFields f;
-            f.subject = "moving";
-            ASSERT_TRUE(store.createMessage("1", f, {0, "text", {}, "hdr"},
-                                            {{"a", "1"}, {"b", QByteArray(9000, 'b')}}));
+    auto makeStore = [](const QString& dir) {
+        RecordingMessageSink sink;
+        SystemClock clock;
+        MailStore store(dir, clock, sink);
+        for (const char* folder : {"1", "2"}) {
+            QDir().mkpath(store.folderDir(folder));
+            store.CreateIndexDatabase(folder);
+            store.CreateDataDatabase(folder);
+            store.CreateAttachmentsDatabase(folder);
         }
-        const Helper h = runWith({"move", dir.path(), "1", "2", "1"},
-                                 {{"MIREL_KILL_AFTER_WRITES", QByteArray::number(k)}});
-        const qsizetype inSource = wholeMessages(dir.path(), "1").size();
-        const qsizetype inDest = wholeMessages(dir.path(), "2").size();
-        ASSERT_EQ(inSource + inDest, 1) << "killed after write " << k;
-        if (!h.killed) {
-            EXPECT_EQ(inDest, 1);
-            break;
-        }
-    }
+        NewIndexFields f;
+        f.subject = "moving";
+        EXPECT_TRUE(store.createMessage("1", f, {0, "text", {}, "hdr"},
+                                        {{"a", "1"}, {"b", QByteArray(9000, 'b')}}));
+        return QStringList{"move", dir, "1", "2", "1"};
+    };
+    killAfterEachWrite(makeStore, [](const QString& dir, int k, bool killed) {
+        const qsizetype inSource = wholeMessages(dir, "1").size();
+        const qsizetype inDest = wholeMessages(dir, "2").size();
+        EXPECT_EQ(inSource + inDest, 1) << "killed after write " << k;
+        EXPECT_TRUE(killed || inDest == 1);
+    });
 }
 
 // Catches a message deleted from the server although it was not stored:
@@ -158,43 +170,17 @@ TEST_F(ReceiveFaultTest, AMoveKilledAfterAnyWriteLeavesTheMessageInOneFolder) {
 TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSession) {
     struct Fault {
         const char* user;
-        std::function<std::function<void()>(const QString& inbox)> apply; // returns the undo
-        QList<std::pair<const char*, QByteArray>> env;
+        const char* lockedFile; // held locked by another process
+        Env env;
+        bool readOnly = false;
     };
-    auto lock = [](const char* file) {
-        return [file](const QString& inbox) -> std::function<void()> {
-            QProcess* holder = startHelper({"hold-lock", inbox + file});
-            holder->waitForReadyRead(10000);
-            return [holder] {
-                holder->closeWriteChannel();
-                holder->waitForFinished(10000);
-                delete holder;
-            };
-        };
-    };
-    auto readOnly = [](const QString& inbox) -> std::function<void()> {
-        // Permissions do not stop root; an immutable folder does.
-        const bool root = geteuid() == 0;
-        if (root)
-            QProcess::execute("chattr", {"+i", inbox});
-        else
-            QFile::setPermissions(inbox, QFile::ReadOwner | QFile::ExeOwner);
-        return [inbox, root] {
-            if (root)
-                QProcess::execute("chattr", {"-i", inbox});
-            else
-                QFile::setPermissions(inbox,
-                                      QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        };
-    };
-    auto nothing = [](const QString&) -> std::function<void()> { return [] {}; };
     const Fault faults[] = {
-        {"lockindex", lock("index.mdb"), {}},
-        {"lockdata", lock("data.mdb"), {}},
-        {"lockatt", lock("attachments.mdb"), {}},
-        {"readonly", readOnly, {}},
-        {"diskfull", nothing, {{"MIREL_FILE_SIZE_LIMIT", "60000"}}},
-        {"toolarge", nothing, {{"MIREL_SQLITE_MAX_LENGTH", "50000"}}},
+        {"lockindex", "index.mdb", {}},
+        {"lockdata", "data.mdb", {}},
+        {"lockatt", "attachments.mdb", {}},
+        {"readonly", nullptr, {}, true},
+        {"diskfull", nullptr, {{"MIREL_FILE_SIZE_LIMIT", "60000"}}},
+        {"toolarge", nullptr, {{"MIREL_SQLITE_MAX_LENGTH", "50000"}}},
     };
     for (const Fault& f : faults)
         pop.addUser(f.user, "pw");
@@ -204,11 +190,24 @@ TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSessio
         receive(dir.path(), f.user); // makes the folders
         pop.deliver(f.user, message(1));
         pop.deliver(f.user, message(2, 100000));
-        const std::function<void()> undo = f.apply(dir.path() + "/Email/0/");
-        const Helper failed = receive(dir.path(), f.user, 2, f.env);
-        undo();
-        EXPECT_TRUE(failed.out.contains("could not be stored and stays on the server"))
-            << f.user << ": " << failed.out.constData();
+        const QString inbox = dir.path() + "/Email/0/";
+        std::unique_ptr<QProcess> holder;
+        if (f.lockedFile) {
+            holder.reset(startHelper({"hold-lock", inbox + f.lockedFile}));
+            holder->waitForReadyRead(10000);
+        }
+        if (f.readOnly)
+            setWritable(inbox, false);
+        QByteArray out;
+        receive(dir.path(), f.user, f.env, &out);
+        if (f.readOnly)
+            setWritable(inbox, true);
+        if (holder) {
+            holder->closeWriteChannel();
+            holder->waitForFinished(10000);
+        }
+        EXPECT_TRUE(out.contains("could not be stored and stays on the server"))
+            << f.user << ": " << out.constData();
         EXPECT_EQ(pop.messagesOf(f.user) + wholeMessages(dir.path(), "0").size(), 2) << f.user;
         EXPECT_GT(pop.messagesOf(f.user), 0) << f.user;
 

@@ -1,7 +1,8 @@
 #include "mail/transport/SendReceiveSession.h"
-#include "TestSupport.h"
+#include "MailStoreFixture.h"
 #include "platform/Pop3Client.h"
 
+#include <QJsonArray>
 #include <QStringList>
 #include <deque>
 #include <gtest/gtest.h>
@@ -111,10 +112,6 @@ private:
     QByteArray m_host;
 };
 
-std::string joined(const QList<QByteArray>& l) {
-    return l.join("\n").toStdString();
-}
-
 using S = SendReceivePort::Stored;
 
 // Catches a wrong action order, an account skipped, a delete before the
@@ -145,46 +142,31 @@ TEST(SendReceiveSession, ServesEveryAccountThenSendsTheOutbox) {
     EXPECT_EQ(s.phase(), SendReceiveSession::Phase::Ended);
 }
 
-// Catches a delete sent before the store made the message durable.
+// Catches a delete sent before the store made the message durable; the rows
+// are in tests/data/mail/session-deletes.json.
 TEST(SendReceiveSession, DeletesOnlyWhatTheStoreTookOrKnew) {
-    struct Case {
-        bool deleteFlag;
-        std::vector<S> outcomes;
-        QList<QByteArray> expected; // POP3 actions after the connect
-        int failCommitAt = 0;
-        std::set<int> tooLarge = {};
-    };
-    const Case cases[] = {
-        {false, {S::New, S::Known}, {"13 #1", "13 #2", "8 #2"}},
-        {true, {S::Known, S::New}, {"13 #1", "13 #2", "10 #1", "10 #2", "8 #2"}},
-        // A message the store refused stays on the server; the rest go on.
-        {true, {S::Failed, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}},
-        {true, {S::New, S::Failed}, {"13 #1", "13 #2", "10 #1", "8 #2"}},
-        // Groups of two: the second group does not commit, so its message
-        // stays although the store took it.
-        {true,
-         {S::New, S::Known, S::New},
-         {"13 #1", "13 #2", "13 #3", "10 #1", "10 #2", "8 #3"},
-         2},
-        // A message above the size limit stays on the server; the session goes on.
-        {true, {S::New, S::New}, {"13 #1", "13 #2", "10 #2", "8 #2"}, 0, {1}},
-    };
-    for (const Case& c : cases) {
+    const QJsonArray rows = jsonTestData("mail/session-deletes.json")["rows"].toArray();
+    ASSERT_FALSE(rows.isEmpty());
+    for (const QJsonValue c : rows) {
         World w;
-        w.mailboxes["pop"] = c.outcomes;
-        w.tooLarge = c.tooLarge;
-        w.failCommitAt = c.failCommitAt;
-        SendReceiveSession s(EmailAccountList({account("a", "pop", c.deleteFlag)}), {}, kTexts, w);
+        for (const QChar o : c[2].toString())
+            w.mailboxes["pop"].push_back(o == 'N' ? S::New : o == 'K' ? S::Known : S::Failed);
+        w.failCommitAt = c[4].toInt();
+        for (const QJsonValue n : c[5].toArray())
+            w.tooLarge.insert(n.toInt());
+        SendReceiveSession s(EmailAccountList({account("a", "pop", c[1].toBool())}), {}, kTexts, w);
         s.setGroupSize(2);
         w.run(s);
+        const std::string what = c[0].toString().toStdString();
         EXPECT_EQ(w.lines.contains("DS1: Message 3 could not be stored and stays on the server"),
-                  c.failCommitAt > 0);
+                  w.failCommitAt > 0)
+            << what;
         QList<QByteArray> pop3;
         for (const QByteArray& a : w.actions)
             if (a.startsWith("pop3 ") && !a.startsWith("pop3 3 "))
                 pop3 << a.mid(5).replace(" pop:110", "");
-        EXPECT_EQ(joined(pop3), joined(c.expected)) << "delete " << c.deleteFlag;
-        EXPECT_TRUE(w.over);
+        EXPECT_EQ(pop3.join(','), c[3].toString().toLatin1()) << what;
+        EXPECT_TRUE(w.over) << what;
     }
 }
 
@@ -225,7 +207,7 @@ TEST(SendReceiveSession, AnAccountWithoutAPop3ServerEndsTheReceivePhase) {
                                            account("c", "p3", false)}),
                          {"\"Ann\" <a@x>|1"}, kTexts, w);
     w.run(s);
-    const std::string actions = joined(w.actions);
+    const std::string actions = w.actions.join('\n').toStdString();
     EXPECT_EQ(actions.find(" p3:"), std::string::npos) << actions;
     EXPECT_NE(actions.find("send 1"), std::string::npos) << actions;
     EXPECT_TRUE(w.over);

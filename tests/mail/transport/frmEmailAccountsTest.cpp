@@ -1,12 +1,9 @@
 #include "mail/transport/frmEmailAccounts.h"
 #include "IniFixture.h"
-#include "TestSupport.h"
 #include "app/frmMain.h"
 #include "mail/transport/AccountsFile.h"
 #include "platform/Clock.h"
-#include "platform/SettingsStore.h"
 #include "settings/Folders.h"
-#include "settings/IniHelpers.h"
 #include "ui/LayoutEngine.h"
 #include "ui/SkinButton.h"
 

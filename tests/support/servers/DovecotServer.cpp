@@ -14,12 +14,6 @@
 namespace mirel::test {
 namespace {
 
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
-
 void chownTree(const QString& path, unsigned uid, unsigned gid) {
     if (::geteuid() != 0)
         return;
@@ -64,15 +58,13 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
     const QString root = m_dir.path();
     // The login processes run as the mail user and must reach the sockets.
     ::chmod(QFile::encodeName(root).constData(), 0755);
-    writeFile(root + QStringLiteral("/passwd"), m_passwd);
+    writeAll(root + QStringLiteral("/passwd"), m_passwd);
     m_port = freeLoopbackPort();
-    m_tlsPort = tls ? freeLoopbackPort() : 0;
     const QByteArray loginUser =
         ::geteuid() == 0 ? QByteArray("nobody") : QByteArray(::getpwuid(::getuid())->pw_name);
     QByteArray conf = readAll(testData(QStringLiteral("servers/dovecot.conf")));
     conf.replace("@ROOT@", QFile::encodeName(root))
         .replace("@LOGIN@", loginUser)
-        .replace("@TLSPORT@", QByteArray::number(m_tlsPort))
         .replace("@PORT@", QByteArray::number(m_port))
         .replace("@UID@", QByteArray::number(m_mailUid))
         .replace("@GID@", QByteArray::number(m_mailGid));
@@ -81,7 +73,7 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
                 QFile::encodeName(tls->keyFile) + "\n";
     else
         conf += "ssl = no\n";
-    writeFile(root + QStringLiteral("/dovecot.conf"), conf);
+    writeAll(root + QStringLiteral("/dovecot.conf"), conf);
     // The auth process runs as the login user and reads the passwd file.
     chownTree(root + QStringLiteral("/passwd"), m_mailUid, m_mailGid);
 
@@ -91,7 +83,7 @@ bool DovecotServer::start(std::optional<TestCertificate> tls) {
         {QStringLiteral("-F"), QStringLiteral("-c"), root + QStringLiteral("/dovecot.conf")});
     if (!m_process.waitForStarted(10000))
         return false;
-    return waitForPort(m_port) && (!tls || waitForPort(m_tlsPort));
+    return waitForPort(m_port);
 }
 
 void DovecotServer::stop() {
@@ -106,7 +98,7 @@ void DovecotServer::deliver(const QByteArray& user, const QByteArray& message) {
                              .arg(++m_delivered)
                              .arg(::getpid());
     const QString tmp = maildir(user) + QStringLiteral("/tmp/") + name;
-    writeFile(tmp, message);
+    writeAll(tmp, message);
     chownTree(tmp, m_mailUid, m_mailGid);
     QFile::rename(tmp, maildir(user) + QStringLiteral("/new/") + name);
 }
@@ -117,8 +109,7 @@ int DovecotServer::messagesOf(const QByteArray& user) const {
 }
 
 QByteArray DovecotServer::log() const {
-    QFile f(m_dir.path() + QStringLiteral("/dovecot.log"));
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    return readAll(m_dir.path() + QStringLiteral("/dovecot.log"));
 }
 
 } // namespace mirel::test

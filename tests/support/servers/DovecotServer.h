@@ -22,13 +22,12 @@ class DovecotServer {
 
     /// Before start(): a user with a clear-text password.
     void addUser(const QByteArray& name, const QByteArray& password);
-    /// With a certificate the server offers STLS on port() and TLS from the
-    /// first byte on tlsPort(); without one it speaks POP3 in the clear only.
+    /// With a certificate the server offers STLS; without one it speaks POP3
+    /// in the clear only.
     bool start(std::optional<TestCertificate> tls = std::nullopt);
     void stop();
 
     int port() const { return m_port; }
-    int tlsPort() const { return m_tlsPort; }
 
     /// Puts a message into the user's mailbox (any time, also while running).
     void deliver(const QByteArray& user, const QByteArray& message);
@@ -43,7 +42,7 @@ class DovecotServer {
     QTemporaryDir m_dir;
     QProcess m_process;
     QByteArray m_passwd;
-    int m_port = 0, m_tlsPort = 0;
+    int m_port = 0;
     unsigned m_mailUid = 0, m_mailGid = 0;
     int m_delivered = 0;
 };

@@ -21,15 +21,20 @@ sockaddr_in loopback(int port) {
 
 } // namespace
 
-int freeLoopbackPort() {
+int bindLoopback(int& port) {
     const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in a = loopback(0);
     socklen_t len = sizeof a;
-    int port = 0;
+    port = 0;
     if (::bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0 &&
         ::getsockname(fd, reinterpret_cast<sockaddr*>(&a), &len) == 0)
         port = ntohs(a.sin_port);
-    ::close(fd);
+    return fd;
+}
+
+int freeLoopbackPort() {
+    int port = 0;
+    ::close(bindLoopback(port));
     return port;
 }
 

@@ -6,6 +6,8 @@
 
 namespace mirel::test {
 
+/// A socket bound to a port on 127.0.0.1 that the system picks (0 if none).
+int bindLoopback(int& port);
 /// A port nothing listens on right now (the system picks it).
 int freeLoopbackPort();
 /// True once something accepts connections on the port, false after timeoutMs.

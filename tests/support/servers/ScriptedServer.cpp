@@ -1,7 +1,7 @@
 #include "servers/ScriptedServer.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
+#include "servers/LoopbackPort.h"
+
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -10,14 +10,7 @@ namespace mirel::test {
 
 ScriptedServer::ScriptedServer(QByteArray greeting, QList<QByteArray> replies, Ending ending)
     : m_greeting(std::move(greeting)), m_replies(std::move(replies)), m_ending(ending) {
-    m_listen = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in a{};
-    a.sin_family = AF_INET;
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t len = sizeof a;
-    ::bind(m_listen, reinterpret_cast<sockaddr*>(&a), sizeof a);
-    ::getsockname(m_listen, reinterpret_cast<sockaddr*>(&a), &len);
-    m_port = ntohs(a.sin_port);
+    m_listen = bindLoopback(m_port);
     ::listen(m_listen, 1);
     m_thread = std::thread([this] { serve(); });
 }

@@ -1,6 +1,7 @@
-#include "BuildPaths.h"
 #include "servers/SmtpSinkServer.h"
+#include "BuildPaths.h"
 
+#include "TestSupport.h"
 #include "servers/LoopbackPort.h"
 
 #include <QFile>
@@ -17,12 +18,9 @@ bool SmtpSinkServer::start(const Options& o) {
     QStringList args{QStringLiteral(MIREL_SOURCE_DIR "/tests/support/servers/smtp_sink.py"),
                      QStringLiteral("--port"), QString::number(m_port), QStringLiteral("--folder"),
                      m_dir.path()};
-    if (o.tls) {
+    if (o.tls)
         args << QStringLiteral("--cert") << o.tls->certFile << QStringLiteral("--key")
              << o.tls->keyFile;
-        if (o.implicitTls)
-            args << QStringLiteral("--implicit-tls");
-    }
     if (!o.login.isEmpty())
         args << QStringLiteral("--login") << QString::fromUtf8(o.login);
     if (!o.reject.isEmpty())
@@ -45,17 +43,15 @@ void SmtpSinkServer::stop() {
 QList<QJsonObject> SmtpSinkServer::messages() const {
     QList<QJsonObject> out;
     for (int n = 1;; ++n) {
-        QFile f(m_dir.path() + QStringLiteral("/%1.json").arg(n));
-        if (!f.open(QIODevice::ReadOnly))
-            break;
-        out.append(QJsonDocument::fromJson(f.readAll()).object());
+        const QString file = m_dir.path() + QStringLiteral("/%1.json").arg(n);
+        if (!QFile::exists(file))
+            return out;
+        out.append(QJsonDocument::fromJson(readAll(file)).object());
     }
-    return out;
 }
 
 QByteArray SmtpSinkServer::raw(int n) const {
-    QFile f(m_dir.path() + QStringLiteral("/%1.eml").arg(n));
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    return readAll(m_dir.path() + QStringLiteral("/%1.eml").arg(n));
 }
 
 } // namespace mirel::test

@@ -16,10 +16,9 @@ namespace mirel::test {
 class SmtpSinkServer {
   public:
     struct Options {
-        std::optional<TestCertificate> tls; // STARTTLS offered, or TLS from the start:
-        bool implicitTls = false;
-        QByteArray login;  // "user:password": log-in required
-        QByteArray reject; // recipients containing this are refused
+        std::optional<TestCertificate> tls; // STARTTLS offered
+        QByteArray login;                   // "user:password": log-in required
+        QByteArray reject;                  // recipients containing this are refused
     };
 
     ~SmtpSinkServer();

@@ -4,12 +4,11 @@ message as N.eml (the bytes received) and N.json (the envelope and what
 Python's email package reads from the message), so the tests check the
 client's output with a parser that is not ours.
 
-Options: --port P --folder F [--cert C --key K [--implicit-tls]]
-[--login USER:PASSWORD] [--reject TEXT] (recipients containing TEXT are
-refused with 550). Runs until SIGTERM.
+Options: --port P --folder F [--cert C --key K] [--login USER:PASSWORD]
+[--reject TEXT] (recipients containing TEXT are refused with 550). Runs
+until SIGTERM.
 """
 import argparse
-import asyncio
 import base64
 import email
 import email.policy
@@ -78,7 +77,6 @@ def main():
     ap.add_argument("--folder", required=True)
     ap.add_argument("--cert")
     ap.add_argument("--key")
-    ap.add_argument("--implicit-tls", action="store_true")
     ap.add_argument("--login")
     ap.add_argument("--reject")
     a = ap.parse_args()
@@ -90,10 +88,7 @@ def main():
         # aiosmtpd's STARTTLS stalls under TLS 1.3 on this Python (the reply
         # after the handshake is held back); 1.2 behaves.
         ctx.maximum_version = ssl.TLSVersion.TLSv1_2
-        if a.implicit_tls:
-            kwargs["ssl_context"] = ctx
-        else:
-            kwargs["tls_context"] = ctx
+        kwargs["tls_context"] = ctx
     if a.login:
         user, password = a.login.split(":", 1)
 
