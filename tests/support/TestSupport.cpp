@@ -1,5 +1,5 @@
-#include "TestSupport.h"
 #include "BuildPaths.h"
+#include "TestSupport.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -31,6 +31,16 @@ QProcess* startHelper(const QStringList& args) {
     p->start(QStringLiteral(MIREL_HELPER_BIN), args);
     EXPECT_TRUE(p->waitForStarted(10000));
     return p;
+}
+
+int runHelper(const QStringList& args, QByteArray* output) {
+    QProcess* p = startHelper(args);
+    EXPECT_TRUE(p->waitForFinished(120000));
+    if (output)
+        *output = p->readAllStandardOutput();
+    const int code = p->exitStatus() == QProcess::NormalExit ? p->exitCode() : -1;
+    delete p;
+    return code;
 }
 
 QString testData(const QString& relative) {

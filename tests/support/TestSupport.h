@@ -51,6 +51,8 @@ public:
 
 /// Starts tests/support/helper with the given arguments.
 QProcess* startHelper(const QStringList& args);
+/// Runs the helper to the end; returns its exit code.
+int runHelper(const QStringList& args, QByteArray* output = nullptr);
 
 QString testData(const QString& relative);
 
