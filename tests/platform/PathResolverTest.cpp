@@ -8,24 +8,24 @@
 using namespace mirel;
 using namespace mirel::test;
 
+// Catches a path part matched with the given case when the disk has another,
+// a missing part respelled, a trailing or doubled separator mishandled, and
+// a case twin chosen over the exact spelling.
 TEST(PathResolver, MatchesExistingSpellingAndKeepsGivenSpellingForMissingParts) {
     TempDir dir;
     const QString root = dir.path();
     QDir(root).mkpath("Mirel/Notes");
+    QDir(root).mkpath("email");
+    QDir(root).mkpath("Email");
     writeAll(root + "/Mirel/Notes/20240101120000.not", "x");
-
-    EXPECT_EQ(resolvePath(root + "\\mirel\\notes\\20240101120000.NOT"),
-              root + "/Mirel/Notes/20240101120000.not");
-    EXPECT_EQ(resolvePath(root + "\\MIREL\\Logbook\\a.log"), root + "/Mirel/Logbook/a.log");
-    EXPECT_EQ(resolvePath(root + "\\nothing\\Mirel"), root + "/nothing/Mirel");
-    EXPECT_EQ(resolvePath(root + "\\mirel\\"), root + "/Mirel/");
-    EXPECT_EQ(resolvePath(root + "//Mirel"), root + "/Mirel");
-}
-
-TEST(PathResolver, ExactSpellingWinsOverACaseTwin) {
-    TempDir dir;
-    QDir(dir.path()).mkpath("email");
-    QDir(dir.path()).mkpath("Email");
-    EXPECT_EQ(resolvePath(dir.path() + "\\Email"), dir.path() + "/Email");
-    EXPECT_EQ(resolvePath(dir.path() + "\\email"), dir.path() + "/email");
+    const std::pair<const char*, const char*> rows[] = {
+        {"\\mirel\\notes\\20240101120000.NOT", "/Mirel/Notes/20240101120000.not"},
+        {"\\MIREL\\Logbook\\a.log", "/Mirel/Logbook/a.log"},
+        {"\\nothing\\Mirel", "/nothing/Mirel"},
+        {"\\mirel\\", "/Mirel/"},
+        {"//Mirel", "/Mirel"},
+        {"\\Email", "/Email"},
+        {"\\email", "/email"}};
+    for (const auto& [given, found] : rows)
+        EXPECT_EQ(resolvePath(root + given), root + found) << given;
 }

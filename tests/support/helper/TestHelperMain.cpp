@@ -1,7 +1,4 @@
 // A second process for tests that need one:
-//   write-keys FILE SECTION PREFIX COUNT   writes PREFIX0..PREFIXn-1 one by one
-//   rewrite FILE SECTION KEY SIZE          rewrites KEY with SIZE-byte values forever
-//                                          (the test kills it in the middle)
 //   store-received PROGRAMDIR FILE...      stores each message file into folder "0"
 //                                          as received mail, one ID per line out
 //   receive PROGRAMDIR PORT USER PASSWORD GROUP
@@ -96,39 +93,43 @@ struct StderrSink final : MessageSink {
     }
     bool askYesNo(const QString&, const QString&) override { return false; }
 };
+
+// The mail store of a program folder, started as the program starts it.
+struct StartedStore {
+    explicit StartedStore(const QString& programDir, int busyTimeoutMs = 0)
+        : settings(programDir + QStringLiteral("/helper-settings")),
+          store(programDir, clock, sink) {
+        if (busyTimeoutMs)
+            store.setBusyTimeout(busyTimeoutMs);
+        store.MailStoreStartup(ini);
+    }
+    StderrSink sink;
+    SettingsStore settings;
+    IniHelpers ini{sink, settings};
+    SystemClock clock;
+    MailStore store;
+};
+
+void printLine(const QByteArray& line) {
+    std::printf("%s\n", line.constData());
+    std::fflush(stdout);
+}
+
+// The test ends a holding command by closing its stdin.
+void waitForStdinToClose() {
+    char c;
+    while (read(0, &c, 1) > 0) {
+    }
+}
 } // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList a = app.arguments();
-    if (a.size() == 6 && a[1] == QLatin1String("write-keys")) {
-        const int count = a[5].toInt();
-        for (int i = 0; i < count; ++i) {
-            const QByteArray key = a[4].toUtf8() + QByteArray::number(i);
-            if (!IniFile::write(a[2], a[3].toUtf8(), key, "v" + QByteArray::number(i))) {
-                std::fprintf(stderr, "write %d failed\n", i);
-                return 2;
-            }
-        }
-        return 0;
-    }
-    if (a.size() == 6 && a[1] == QLatin1String("rewrite")) {
-        const qsizetype size = a[5].toLongLong();
-        for (char c = 'a';; c = c == 'z' ? 'a' : char(c + 1)) {
-            IniFile::write(a[2], a[3].toUtf8(), a[4].toUtf8(), QByteArray(size, c));
-            std::printf("%c\n", c);
-            std::fflush(stdout);
-        }
-    }
     if (a.size() >= 3 && a[1] == QLatin1String("store-received")) {
-        StderrSink sink;
-        SettingsStore settings(a[2] + QStringLiteral("/helper-settings"));
-        IniHelpers ini(sink, settings);
-        SystemClock clock;
-        MailStore store(a[2], clock, sink);
-        store.MailStoreStartup(ini);
-        DuplicateDetector duplicates(store.incomingRecordPath());
-        ReceivedMessageStore received(store, duplicates);
+        StartedStore s(a[2]);
+        DuplicateDetector duplicates(s.store.incomingRecordPath());
+        ReceivedMessageStore received(s.store, duplicates);
         for (qsizetype i = 3; i < a.size(); ++i) {
             QFile f(a[i]);
             if (!f.open(QIODevice::ReadOnly) || !received.StoreReceivedMessage(f.readAll(), "0")) {
@@ -140,29 +141,20 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (a.size() == 7 && a[1] == QLatin1String("receive")) {
-        StderrSink sink;
-        SettingsStore settings(a[2] + QStringLiteral("/helper-settings"));
-        IniHelpers ini(sink, settings);
-        SystemClock clock;
-        MailStore store(a[2], clock, sink);
-        store.setBusyTimeout(200);
-        store.MailStoreStartup(ini);
+        StartedStore s(a[2], 200);
         const QByteArray account = "  Ann|127.0.0.1:" + a[3].toUtf8() + "|" + a[4].toUtf8() + "|" +
                                    a[5].toUtf8() + "|1|0||ann@x.org|Ann|";
         SendReceiveTexts texts;
         texts.stored = "New message";
         texts.done = "Done";
-        SendReceiveRunner runner(store, ini, clock, EmailAccountList({account}), texts);
+        SendReceiveRunner runner(s.store, s.ini, s.clock, EmailAccountList({account}), texts);
         runner.setGroupSize(a[6].toInt());
         // The test server offers no TLS: pre-approved as a user would.
         const QString trust = a[2] + QStringLiteral("/servers.ini");
         IniFile::write(trust, "127.0.0.1:" + a[3].toUtf8(), "Plaintext", "1");
         runner.setServerTrust(trust, [](const QString&, const QString&) { return false; });
         QEventLoop loop;
-        QObject::connect(&runner, &SendReceiveRunner::statusLine, [](const QByteArray& l) {
-            std::printf("%s\n", l.constData());
-            std::fflush(stdout);
-        });
+        QObject::connect(&runner, &SendReceiveRunner::statusLine, printLine);
         QObject::connect(&runner, &SendReceiveRunner::over, &loop, &QEventLoop::quit);
         armFaults();
         runner.open();
@@ -183,11 +175,8 @@ int main(int argc, char** argv) {
     if (a.size() == 3 && a[1] == QLatin1String("hold-lock")) {
         SQLite::Database db(QFile::encodeName(a[2]).toStdString(), SQLite::OPEN_READWRITE);
         db.exec("BEGIN IMMEDIATE");
-        std::printf("locked\n");
-        std::fflush(stdout);
-        char c;
-        while (read(0, &c, 1) > 0) {
-        }
+        printLine("locked");
+        waitForStdinToClose();
         return 0;
     }
     if (a.size() >= 4 && a[1] == QLatin1String("dovecot")) {
@@ -202,11 +191,8 @@ int main(int argc, char** argv) {
         }
         if (!server.start())
             return 3;
-        std::printf("%d\n", server.port());
-        std::fflush(stdout);
-        char c;
-        while (read(0, &c, 1) > 0) {
-        }
+        printLine(QByteArray::number(server.port()));
+        waitForStdinToClose();
         return 0;
     }
     std::fprintf(stderr, "usage: see source\n");
