@@ -29,9 +29,9 @@ struct Main : test::MainWindowHarness {
     }
 };
 
-// Faults: a clicked row did not fill the boxes, a delete left the file or the
-// row behind, Cancel on leaving with typed text left the screen anyway, and
-// the calendar's tab followed the order the skin made the boxes in, not the
+// Faults: a clicked row did not fill the boxes, a delete answered No went
+// ahead, a delete left the file or the row behind, Cancel on leaving with typed text left the
+// screen anyway, and the calendar's tab followed the order the skin made the boxes in, not the
 // days.
 TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
     Main m;
@@ -39,6 +39,10 @@ TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
     m.click("NOTES");
     m.clickRow(0);
     EXPECT_EQ(m.w->multiLine(1)->toPlainText(), "Milch\nBrot\n");
+    m.sink.answer = false;
+    m.click("NOTEDELETE");
+    EXPECT_TRUE(QFile::exists(m.file("Notes/1.not")));
+    m.sink.answer = true;
     m.click("NOTEDELETE");
     EXPECT_FALSE(QFile::exists(m.file("Notes/1.not")));
     EXPECT_EQ(m.w->generalList()->count(), 0);
@@ -46,7 +50,7 @@ TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
     m.sink.threeWay = MessageSink::Answer::Cancel;
     m.w->multiLine(1)->setPlainText("typed");
     m.click("TODO");
-    EXPECT_EQ(m.sink.asked.size(), 2u); // the delete's question, then this one
+    EXPECT_EQ(m.sink.asked.size(), 3u); // the two deletes' questions, then this one
     EXPECT_EQ(m.w->state().currentScreen, "Notes");
     EXPECT_TRUE(QDir(m.file("Notes")).isEmpty());
 

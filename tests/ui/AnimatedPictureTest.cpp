@@ -48,11 +48,9 @@ TEST(AnimatedPictureTest, TicksFollowTheFilesDelaysAndStopAtZero) {
     a.start();
     bool closing = false;
     a.setPausedWhen([&] { return closing; });
-    const int delays[] = {200, 50, 100};
-    for (int i = 0; i < 3; ++i) {
+    for (const auto& [frame, interval] : {std::pair{1, 200}, {2, 50}, {0, 100}}) {
         a.AnimationTick();
-        EXPECT_EQ(a.currentFrame(), (i + 1) % 3);
-        EXPECT_EQ(a.interval(), delays[i]);
+        EXPECT_EQ(std::pair(a.currentFrame(), a.interval()), std::pair(frame, interval));
     }
     closing = true;
     a.AnimationTick();
