@@ -20,13 +20,6 @@ QByteArray item(const QByteArray& start, const QByteArray& end, const QByteArray
     return s;
 }
 
-QList<QByteArray> texts(const SortedList& list) {
-    QList<QByteArray> out;
-    for (const ListEntry& e : list.entries())
-        out.append(e.text);
-    return out;
-}
-
 class AgendaTest : public OrganiserFixture {
 protected:
     AgendaStore store{ctx};

@@ -17,12 +17,7 @@ protected:
     OrganiserState st;
     EditBoxes boxes;
 
-    QList<QByteArray> rows() const {
-        QList<QByteArray> out;
-        for (const ListEntry& e : st.rows.entries())
-            out.append(e.text);
-        return out;
-    }
+    QList<QByteArray> rows() const { return texts(st.rows); }
 };
 
 // Catches an empty note saved without its default title and body, a second

@@ -14,8 +14,9 @@ namespace {
 
 class SkinHostTest : public SkinFixture {
 protected:
-    void layoutDefault() {
-        engine.LayoutSection(*host, "DEFAULT", skin);
+    void SetUp() override {
+        SkinFixture::SetUp();
+        layoutDefault();
         host->show();
     }
     // A hover pass with the pointer at the centre of button i (0 = nowhere).
@@ -27,11 +28,6 @@ protected:
     }
     bool lit(int i) { return host->button(i)->isLit(); }
 };
-
-void send(QWidget* to, QEvent::Type type, QPoint local, Qt::MouseButton button = Qt::NoButton) {
-    QMouseEvent e(type, local, to->mapToGlobal(local), button, Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(to, &e);
-}
 
 // Catches clicks, list releases or mode clicks that never reach the window,
 // and any of them acted on while the window is closing.
@@ -66,7 +62,6 @@ TEST_F(SkinHostTest, ClicksAndReleasesReachTheWindowUnlessItIsClosing) {
 // when the pointer passes or keeping it when another is selected (an empty
 // slot selects none), and a pass that runs while the window is closing.
 TEST_F(SkinHostTest, HoverLightsSoundsAndUnlightsButKeepsThePriority) {
-    layoutDefault();
     auto centre = [&] {
         SkinButton* b = host->button(1);
         return b->grab().toImage().pixelColor(b->rect().center());
@@ -106,7 +101,6 @@ TEST_F(SkinHostTest, HoverLightsSoundsAndUnlightsButKeepsThePriority) {
 // move onto a button, off it onto the bare window, and the window's own
 // event at a button's spot.
 TEST_F(SkinHostTest, MouseEventsOverTheWindowRunThePass) {
-    layoutDefault();
     SkinButton* b = host->button(2);
     send(b, QEvent::MouseMove, b->rect().center());
     EXPECT_TRUE(lit(2));
@@ -116,12 +110,18 @@ TEST_F(SkinHostTest, MouseEventsOverTheWindowRunThePass) {
     EXPECT_TRUE(lit(3));
 }
 
-// Catches a cleared control that stays in the accessibility tree: a later
-// control at the same address would inherit the stale entry. (Every control
-// is found by its accessible name in the whole-program tests.)
-TEST_F(SkinHostTest, ClearedControlsLeaveTheAccessibilityTree) {
-    engine.LayoutSection(*host, "DEFAULT", skin);
+// Catches a control a screen reader cannot name (the whole-program tests
+// find only buttons and boxes by name), and a cleared control that stays in
+// the accessibility tree: a later control at the same address would inherit
+// the stale entry.
+TEST_F(SkinHostTest, EveryControlIsNamedAndLeavesTheTreeWhenCleared) {
     engine.LayoutSection(*host, "Notes", skin);
+    ASSERT_GT(host->controlCount(), 10);
+    for (int i = 1; i <= host->controlCount(); ++i)
+        EXPECT_FALSE(QAccessible::queryAccessibleInterface(host->control(i))
+                         ->text(QAccessible::Name)
+                         .isEmpty())
+            << host->control(i)->metaObject()->className();
     const QAccessible::Id id =
         QAccessible::uniqueId(QAccessible::queryAccessibleInterface(host->button(6)));
     engine.ClearScreen(*host);
