@@ -108,8 +108,9 @@ TEST_F(ItemListsTest, TodoOpenBeforeDoneAndTheDoneButton) {
 }
 
 // Catches the contact file's odd field order (12, 15, 16, 13, 14) or the
-// notes' digit encoding lost on a round trip, and a next number that counts
-// files instead of following the highest plain number.
+// notes' digit encoding lost on a round trip, a next number that counts
+// files instead of following the highest plain number, and a clicked
+// contact not filling the boxes or not deleted.
 TEST_F(ItemListsTest, ContactNumberingAndFieldOrderRoundTrip) {
     AddressBook book(ctx);
     Contact c;
@@ -130,6 +131,12 @@ TEST_F(ItemListsTest, ContactNumberingAndFieldOrderRoundTrip) {
     EXPECT_EQ(book.nextNumber(), 13);
     QFile::remove(book.folder() + "/12abc.dat");
     EXPECT_EQ(book.nextNumber(), 8);
+
+    book.load(st);
+    book.click(st, 2, c);
+    EXPECT_EQ(c.fields[12], "box13");
+    EXPECT_TRUE(book.remove(st, c));
+    EXPECT_EQ(rows().size(), 2);
 }
 
 // Catches a broken contact file shown without its name or half-filled, NUL
