@@ -4,6 +4,7 @@
 #include "IniFixture.h"
 #include "organiser/DataFolders.h"
 #include "organiser/OrganiserContext.h"
+#include "organiser/SortedList.h"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +22,12 @@ protected:
         DataFolders(ctx).bootstrap();
     }
     QString data(const QString& rel) const { return folders.ProgramDir + "/Mirel/" + rel; }
+    static QList<QByteArray> texts(const SortedList& list) {
+        QList<QByteArray> out;
+        for (const ListEntry& e : list.entries())
+            out.append(e.text);
+        return out;
+    }
 };
 
 } // namespace mirel::test

@@ -1,7 +1,8 @@
 // Screen flows of the organiser in the real main window, offscreen. The whole
-// program drives every item screen through the accessibility layer; these
-// cover what it does not: rows clicked back into the boxes, deleting, keys,
-// and the done button.
+// program drives every item screen through the accessibility layer (typing
+// kept or dropped as answered, a calendar day kept across a month change);
+// these cover what it does not: rows clicked back into the boxes, deleting,
+// keys, Cancel, the calendar's tab order and the done button.
 #include "MainWindowHarness.h"
 #include "ui/SkinButton.h"
 
@@ -28,17 +29,35 @@ struct Main : test::MainWindowHarness {
     }
 };
 
-// Faults: a clicked row did not fill the boxes, a delete left the file or the
-// row behind. (Typing a note in and saving it runs in the whole program.)
-TEST(OrganiserScreen, NoteClickAndDelete) {
+// Faults: a clicked row did not fill the boxes, a delete answered No went
+// ahead, a delete left the file or the row behind, Cancel on leaving with typed text left the
+// screen anyway, and the calendar's tab followed the order the skin made the boxes in, not the
+// days.
+TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
     Main m;
     test::writeAll(m.file("Notes/1.not"), "Title\r\nMilch\r\nBrot\r\n");
     m.click("NOTES");
     m.clickRow(0);
     EXPECT_EQ(m.w->multiLine(1)->toPlainText(), "Milch\nBrot\n");
+    m.sink.answer = false;
+    m.click("NOTEDELETE");
+    EXPECT_TRUE(QFile::exists(m.file("Notes/1.not")));
+    m.sink.answer = true;
     m.click("NOTEDELETE");
     EXPECT_FALSE(QFile::exists(m.file("Notes/1.not")));
     EXPECT_EQ(m.w->generalList()->count(), 0);
+
+    m.sink.threeWay = MessageSink::Answer::Cancel;
+    m.w->multiLine(1)->setPlainText("typed");
+    m.click("TODO");
+    EXPECT_EQ(m.sink.asked.size(), 3u); // the two deletes' questions, then this one
+    EXPECT_EQ(m.w->state().currentScreen, "Notes");
+    EXPECT_TRUE(QDir(m.file("Notes")).isEmpty());
+
+    m.sink.threeWay = MessageSink::Answer::No;
+    m.click("CALENDAR");
+    ASSERT_NE(m.w->textBox(2), nullptr);
+    EXPECT_EQ(m.w->textBox(1)->nextInFocusChain(), m.w->textBox(2));
 }
 
 // Faults: the button of the screen already shown refilled it, so the next
@@ -68,40 +87,6 @@ TEST(OrganiserScreen, ShownScreenButtonKeysAndRefusedDelete) {
     EXPECT_FALSE(done->isHidden());
     m.click("TODODONE");
     EXPECT_EQ(m.rows(m.w->generalList()), QStringList{"DONE  buy oat milk"});
-}
-
-// Faults: tab followed the order the skin made the controls in, not the
-// days; a day typed in was lost when the month changed under it.
-TEST(OrganiserScreen, CalendarDayBoxesTabInDayOrderAndKeepWhatIsTyped) {
-    Main m;
-    m.click("CALENDAR");
-    ASSERT_NE(m.w->textBox(2), nullptr);
-    EXPECT_EQ(m.w->textBox(1)->nextInFocusChain(), m.w->textBox(2));
-
-    m.w->textBox(2)->setText("dentist");
-    m.click("MONTHMAR");
-    EXPECT_TRUE(test::readAll(m.file("calendar.ini")).contains("1102=100101110"));
-    EXPECT_TRUE(m.w->textBox(2)->text().isEmpty());
-}
-
-// Fault: leaving an editor with typed text dropped it without a word.
-TEST(OrganiserScreen, LeavingAnEditorAsksToSaveWhatWasTyped) {
-    using A = MessageSink::Answer;
-    const std::tuple<A, const char*, qsizetype> rows[] = {
-        {A::Cancel, "Notes", 0}, {A::No, "Todo", 0}, {A::Yes, "Todo", 1}};
-    for (const auto& [answer, screenAfter, notes] : rows) {
-        Main m;
-        m.sink.threeWay = answer;
-        m.click("NOTES");
-        m.click("TODO");
-        m.click("NOTES");
-        EXPECT_TRUE(m.sink.asked.empty()) << "nothing typed, nothing asked";
-        m.w->multiLine(1)->setPlainText("typed");
-        m.click("TODO");
-        EXPECT_EQ(m.sink.asked.size(), 1u);
-        EXPECT_EQ(m.w->state().currentScreen, screenAfter);
-        EXPECT_EQ(QDir(m.file("Notes")).entryList(QDir::Files).size(), notes);
-    }
 }
 
 } // namespace

@@ -14,11 +14,12 @@ QByteArray gif(const char* name) {
     return readAll(testData(QStringLiteral("skins/Basic/") + name));
 }
 
+// Catches a crash, a hang or frames without delays on empty, truncated or
+// damaged files, and a still picture not shown as one frame. (The theme's
+// broken and cut-off GIFs are laid out in the layout test.)
 TEST(AnimatedPictureTest, BrokenFilesGiveWhatTheyHold) {
-    EXPECT_TRUE(readGifFrames(gif("broken.gif")).pictures.isEmpty());
     EXPECT_TRUE(readGifFrames({}).pictures.isEmpty());
     EXPECT_TRUE(readGifFrames("GIF89a").pictures.isEmpty());
-    EXPECT_LE(readGifFrames(gif("cut.gif")).pictures.size(), 1);
     // A still picture where an animation was expected shows as one frame.
     EXPECT_EQ(readGifFrames(gif("button.bmp")).pictures.size(), 1);
     // Damaged copies of a good file never crash or hang.
@@ -48,11 +49,9 @@ TEST(AnimatedPictureTest, TicksFollowTheFilesDelaysAndStopAtZero) {
     a.start();
     bool closing = false;
     a.setPausedWhen([&] { return closing; });
-    const int delays[] = {200, 50, 100};
-    for (int i = 0; i < 3; ++i) {
+    for (const auto& [frame, interval] : {std::pair{1, 200}, {2, 50}, {0, 100}}) {
         a.AnimationTick();
-        EXPECT_EQ(a.currentFrame(), (i + 1) % 3);
-        EXPECT_EQ(a.interval(), delays[i]);
+        EXPECT_EQ(std::pair(a.currentFrame(), a.interval()), std::pair(frame, interval));
     }
     closing = true;
     a.AnimationTick();

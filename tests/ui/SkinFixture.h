@@ -8,6 +8,8 @@
 #include "ui/SkinHost.h"
 #include "ui/SoundPlayer.h"
 
+#include <QCoreApplication>
+#include <QMouseEvent>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -32,6 +34,13 @@ protected:
     QString terminal = folders.themeFile(QStringLiteral("terminal.skn"));
 
     void SetUp() override { host->setSoundPlayer(&sounds); }
+    void layoutDefault() { engine.LayoutSection(*host, "DEFAULT", skin); }
+    // A mouse event with no button held, as the window system sends it.
+    static void send(QWidget* to, QEvent::Type type, QPointF local,
+                     Qt::MouseButton button = Qt::NoButton) {
+        QMouseEvent e(type, local, to->mapToGlobal(local), button, Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(to, &e);
+    }
 };
 
 } // namespace mirel::test

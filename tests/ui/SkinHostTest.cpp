@@ -1,4 +1,7 @@
+// The window host over the test theme: what reaches the window, the hover
+// pass and what a screen reader sees.
 #include "SkinFixture.h"
+#include "ui/HoverPass.h"
 #include "ui/SkinButton.h"
 
 #include <QAccessible>
@@ -9,81 +12,121 @@ using namespace mirel::test;
 
 namespace {
 
-struct RecordingHost : SkinHost {
-    int general = 0, overview = 0;
-    QList<int> modes;
-    void generalListReleased() override { ++general; }
-    void overviewListReleased() override { ++overview; }
-    void modeButtonClicked(int i) override { modes.append(i); }
+class SkinHostTest : public SkinFixture {
+protected:
+    void SetUp() override {
+        SkinFixture::SetUp();
+        layoutDefault();
+        host->show();
+    }
+    // A hover pass with the pointer at the centre of button i (0 = nowhere).
+    void pointAt(int i) {
+        if (i == 0)
+            return HoverPass(*host, QPoint(-100, -100), nullptr);
+        SkinButton* b = host->button(i);
+        HoverPass(*host, b->mapToGlobal(b->rect().center()), b);
+    }
+    bool lit(int i) { return host->button(i)->isLit(); }
 };
 
-class SkinHostTest : public SkinFixture {};
-
-void release(QWidget* w) {
-    QMouseEvent e(QEvent::MouseButtonRelease, QPointF(2, 2), w->mapToGlobal(QPointF(2, 2)),
-                  Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(w, &e);
-}
-
-TEST_F(SkinHostTest, ListReleasesAndModeClicksReachTheWindow) {
-    RecordingHost h;
+// Catches clicks, list releases or mode clicks that never reach the window,
+// and any of them acted on while the window is closing.
+TEST_F(SkinHostTest, ClicksAndReleasesReachTheWindowUnlessItIsClosing) {
+    struct RecordingHost : SkinHost {
+        int general = 0, overview = 0;
+        QList<int> clicks, modes;
+        void buttonClicked(int index) override { clicks.append(index); }
+        void generalListReleased() override { ++general; }
+        void overviewListReleased() override { ++overview; }
+        void modeButtonClicked(int i) override { modes.append(i); }
+    } h;
     h.resize(1024, 768);
+    engine.LayoutSection(h, "DEFAULT", skin);
     engine.LayoutSection(h, "Email", skin);
-    release(h.overviewList()->viewport());
-    release(h.generalList()->viewport());
-    release(h.generalList()->viewport());
-    EXPECT_EQ(h.overview, 1);
-    EXPECT_EQ(h.general, 2);
+    h.button(1)->click();
+    send(h.overviewList()->viewport(), QEvent::MouseButtonRelease, QPoint(2, 2), Qt::LeftButton);
+    send(h.generalList()->viewport(), QEvent::MouseButtonRelease, QPoint(2, 2), Qt::LeftButton);
     h.modeButton(1)->click();
-    EXPECT_EQ(h.modes, QList<int>{1});
-    // While the window is closing the lists stay quiet.
     h.state().closing = true;
-    release(h.generalList()->viewport());
-    EXPECT_EQ(h.general, 2);
+    h.button(1)->click();
+    send(h.generalList()->viewport(), QEvent::MouseButtonRelease, QPoint(2, 2), Qt::LeftButton);
+    EXPECT_EQ(h.clicks, QList<int>{1});
+    EXPECT_EQ(h.overview + h.general, 2);
+    EXPECT_EQ(h.modes, QList<int>{1});
 }
 
-TEST_F(SkinHostTest, EveryCreatedControlHasAnAccessibleName) {
-    engine.LayoutSection(*host, "DEFAULT", skin);
+// Catches a button not lit (or not painted lit) on entering, a hover sound
+// played again while the pointer stays, a button left lit when the pointer
+// moves straight to the next one or under a picture, a swapped picture that
+// drops the lit state, the selected priority button losing its lit picture
+// when the pointer passes or keeping it when another is selected (an empty
+// slot selects none), and a pass that runs while the window is closing.
+TEST_F(SkinHostTest, HoverLightsSoundsAndUnlightsButKeepsThePriority) {
+    auto centre = [&] {
+        SkinButton* b = host->button(1);
+        return b->grab().toImage().pixelColor(b->rect().center());
+    };
+    EXPECT_EQ(centre(), QColor(0, 0, 200)); // button.bmp
+    pointAt(1);
+    pointAt(1);
+    EXPECT_EQ(centre(), QColor(255, 255, 0)); // buttona.bmp
+    // Button 1 has the hover sound "click", a real WAV in the theme.
+    EXPECT_EQ(sounds.requestCount(), 1);
+    host->setButtonPicture(1, folders.themeFile("logo.bmp"));
+    EXPECT_TRUE(lit(1));
+    pointAt(4);
+    EXPECT_FALSE(lit(1));
+    EXPECT_TRUE(lit(4));
+    SkinButton* b = host->button(4);
+    HoverPass(*host, b->mapToGlobal(b->rect().center()), host.get());
+    EXPECT_FALSE(lit(4));
+
+    // Slot 0 holds button 3 (a "B0" line), slot 1 button 4.
+    host->selectPriority(0);
+    pointAt(3);
+    pointAt(0);
+    EXPECT_TRUE(lit(3));
+    host->selectPriority(1);
+    EXPECT_TRUE(!lit(3) && lit(4));
+    host->selectPriority(5);
+    EXPECT_FALSE(lit(4));
+
+    host->state().closing = true;
+    pointAt(2);
+    EXPECT_FALSE(lit(2));
+    EXPECT_EQ(sounds.requestCount(), 1);
+}
+
+// Catches mouse events over the window that do not run the hover pass: a
+// move onto a button, off it onto the bare window, and the window's own
+// event at a button's spot.
+TEST_F(SkinHostTest, MouseEventsOverTheWindowRunThePass) {
+    SkinButton* b = host->button(2);
+    send(b, QEvent::MouseMove, b->rect().center());
+    EXPECT_TRUE(lit(2));
+    send(host.get(), QEvent::MouseMove, QPoint(500, 500));
+    EXPECT_FALSE(lit(2));
+    send(host.get(), QEvent::MouseButtonPress, host->button(3)->geometry().center());
+    EXPECT_TRUE(lit(3));
+}
+
+// Catches a control a screen reader cannot name (the whole-program tests
+// find only buttons and boxes by name), and a cleared control that stays in
+// the accessibility tree: a later control at the same address would inherit
+// the stale entry.
+TEST_F(SkinHostTest, EveryControlIsNamedAndLeavesTheTreeWhenCleared) {
     engine.LayoutSection(*host, "Notes", skin);
-    engine.LayoutSection(*host, "Email", skin);
     ASSERT_GT(host->controlCount(), 10);
-    for (int i = 1; i <= host->controlCount(); ++i) {
-        QAccessibleInterface* iface = QAccessible::queryAccessibleInterface(host->control(i));
-        ASSERT_TRUE(iface);
-        EXPECT_FALSE(iface->text(QAccessible::Name).isEmpty())
+    for (int i = 1; i <= host->controlCount(); ++i)
+        EXPECT_FALSE(QAccessible::queryAccessibleInterface(host->control(i))
+                         ->text(QAccessible::Name)
+                         .isEmpty())
             << host->control(i)->metaObject()->className();
-    }
-    for (QWidget* w :
-         {host->placedIfAny(PlacedPart::MessageList), host->placedIfAny(PlacedPart::HtmlView)}) {
-        ASSERT_TRUE(w);
-        EXPECT_FALSE(w->accessibleName().isEmpty());
-    }
-}
-
-TEST_F(SkinHostTest, ClearedControlsLeaveTheAccessibilityTree) {
-    // A screen reader that saw a control must learn of its end, or a later
-    // control at the same address would inherit the stale entry.
-    engine.LayoutSection(*host, "DEFAULT", skin);
-    engine.LayoutSection(*host, "Notes", skin);
-    QAccessibleInterface* iface = QAccessible::queryAccessibleInterface(host->button(6));
-    ASSERT_TRUE(iface);
-    const QAccessible::Id id = QAccessible::uniqueId(iface);
+    const QAccessible::Id id =
+        QAccessible::uniqueId(QAccessible::queryAccessibleInterface(host->button(6)));
     engine.ClearScreen(*host);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(QAccessible::accessibleInterface(id), nullptr);
-}
-
-// Catches a clear that reaches for mail parts never placed, and a second
-// layout of the same section that adds a second set of controls.
-TEST_F(SkinHostTest, ClearingTouchesOnlyWhatExists) {
-    engine.LayoutSection(*host, "DEFAULT", skin);
-    engine.ClearScreen(*host);
-    EXPECT_EQ(host->placedIfAny(PlacedPart::MessageList), nullptr);
-    EXPECT_EQ(host->state().buttonCount(), 4);
-    // Laying out "DEFAULT" again starts from nothing instead of adding a second set.
-    engine.LayoutSection(*host, "DEFAULT", skin);
-    EXPECT_EQ(host->controlCount(), 5);
-    EXPECT_EQ(host->state().buttonCount(), 4);
 }
 
 } // namespace

@@ -24,57 +24,51 @@ protected:
         folders.ThemeDir = "\\theme dir\\";
         const QString theme = dir.path() + "/theme dir/";
         QDir().mkpath(theme);
-        const QString data = testData("skins/Basic/");
         for (const char* f : {"click.wav", "silent.wav", "text.wav"})
-            QFile::copy(data + f, theme + f);
+            QFile::copy(testData("skins/Basic/") + f, theme + f);
         player = std::make_unique<SoundPlayer>(folders, ini);
     }
     void setSwitches(const QByteArray& text) {
         writeAll(dir.path() + "/theme dir/terminal.skn", "[DEFAULT]\r\n" + text);
     }
+    int plays(const char* name, bool wait = false) {
+        const int before = player->requestCount();
+        player->PlaySkinSound(name, wait);
+        return player->requestCount() - before;
+    }
 };
 
+// Catches a file that is no wave (a text, a wave without samples) or a
+// missing one handed to the player or shown as a message, and a name
+// matched only in its own case.
 TEST_F(SoundPlayerTest, OnlyRealWaveFilesReachThePlayer) {
-    struct Row {
-        const char* name;
-        bool played;
-    };
-    const Row rows[] = {{"click", true}, {"CLICK", true},    {"silent", false},
-                        {"text", false}, {"missing", false}, {"", false}};
-    for (const Row& r : rows) {
-        const int before = player->requestCount();
-        player->PlaySkinSound(r.name, false);
-        EXPECT_EQ(player->requestCount() - before, r.played ? 1 : 0) << r.name;
-    }
+    for (const char* name : {"click", "CLICK"})
+        EXPECT_EQ(plays(name), 1) << name;
+    for (const char* name : {"silent", "text", "missing", ""})
+        EXPECT_EQ(plays(name), 0) << name;
     EXPECT_TRUE(sink.shown.empty());
 }
 
-TEST_F(SoundPlayerTest, SwitchesAreReadAtEveryCall) {
+// Catches switches read once and kept (a theme edited while the program
+// runs is ignored), the overlap wish lost, and a wait that hangs when no
+// audio device answers.
+TEST_F(SoundPlayerTest, SwitchesAreReadAtEveryCallAndWaitingReturns) {
     setSwitches("Sound=0\r\n");
-    player->PlaySkinSound("click", false);
-    EXPECT_EQ(player->requestCount(), 0);
-
+    EXPECT_EQ(plays("click"), 0);
     setSwitches("Sound=1\r\nMultiple=True\r\n");
-    player->PlaySkinSound("click", false);
-    ASSERT_TRUE(player->lastRequest());
+    EXPECT_EQ(plays("click"), 1);
     EXPECT_TRUE(player->lastRequest()->overlap);
-
     setSwitches("Multiple=False\r\n");
-    player->PlaySkinSound("click", false);
+    EXPECT_EQ(plays("click"), 1);
     EXPECT_FALSE(player->lastRequest()->overlap);
-    EXPECT_EQ(player->requestCount(), 2);
-}
 
-TEST_F(SoundPlayerTest, WaitingReturnsWithOrWithoutAnAudioDevice) {
     QElapsedTimer t;
     t.start();
-    for (int i = 0; i < 3; ++i)
-        player->PlaySkinSound("click", true);
-    setSwitches("Multiple=True\r\n");
-    for (int i = 0; i < 6; ++i)
-        player->PlaySkinSound("click", i % 2 == 0);
+    for (int i = 0; i < 6; ++i) {
+        setSwitches(i < 3 ? "" : "Multiple=True\r\n");
+        EXPECT_EQ(plays("click", i % 2 == 0), 1);
+    }
     EXPECT_LT(t.elapsed(), 15000);
-    EXPECT_EQ(player->requestCount(), 9);
 }
 
 } // namespace
