@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <gtest/gtest.h>
+#include <tuple>
 
 using namespace mirel;
 
@@ -36,32 +37,27 @@ struct Env {
 
 } // namespace
 
+// Catches a published rectangle taken while the shell is not running, a
+// missing edge not taken from the work area, and a window of no area.
 TEST(WindowPlacement, PublishedRectangleOnlyWhileTheShellRuns) {
-    const QRect work(0, 24, 1280, 776);
-    Env e;
-    EXPECT_EQ(mainWindowRect(e.store, work), work);
-
-    e.shell("Screen", "Left", "100");
-    e.shell("Screen", "Top", "50");
-    e.shell("Screen", "Right", "900");
-    e.shell("Screen", "Bottom", "650");
-    EXPECT_EQ(mainWindowRect(e.store, work), work) << "Running absent";
-    e.shell("General", "Running", "False");
-    EXPECT_EQ(mainWindowRect(e.store, work), work);
-
-    e.shell("General", "Running", "True");
-    EXPECT_EQ(mainWindowRect(e.store, work), QRect(100, 50, 800, 600));
-
-    // A missing edge is the work area's.
-    e.store.DeleteSetting(kFamilyApp, "Screen", "Right");
-    e.store.DeleteSetting(kFamilyApp, "Screen", "Top");
-    EXPECT_EQ(mainWindowRect(e.store, work), QRect(100, 24, 1180, 626));
-
-    // A rectangle with no area cannot hold the window.
-    e.shell("Screen", "Right", "100");
-    EXPECT_EQ(mainWindowRect(e.store, work), work);
+    const char* edges[] = {"Left", "Top", "Right", "Bottom"};
+    for (const auto& r : test::readTable("tables/window-rect.txt")) {
+        Env e;
+        if (!r[0].isEmpty())
+            e.shell("General", "Running", r[0]);
+        const QList<QByteArray> values = r[1].split(' ');
+        for (int i = 0; i < 4; ++i)
+            if (values[i] != "-")
+                e.shell("Screen", edges[i], values[i]);
+        const QRect w = mainWindowRect(e.store, QRect(0, 24, 1280, 776));
+        EXPECT_EQ(QString("%1 %2 %3 %4").arg(w.x()).arg(w.y()).arg(w.width()).arg(w.height()),
+                  QString::fromLatin1(r[2]))
+            << r[0].data() << " " << r[1].data();
+    }
 }
 
+// Catches a sized skin chosen without its own background, or for another
+// screen width.
 TEST(SkinChoice, SizedSkinOnlyWithABackground) {
     Env e;
     EXPECT_EQ(chooseSkinName(e.ini, e.folders, 1024), "Mirel");
@@ -72,33 +68,27 @@ TEST(SkinChoice, SizedSkinOnlyWithABackground) {
     EXPECT_EQ(chooseSkinName(e.ini, e.folders, 800), "Mirel");
 }
 
-TEST(ThemeSwitches, PresentKeysOnly) {
+// Catches Debug read again at shut-down (only the animation is), a delay
+// outside its bounds, and an unreadable value replacing the one before.
+TEST(ThemeSwitches, DebugAtStartOnlyAndDelayWithinBounds) {
     Env e;
     const QString skn = e.dir.file("theme/terminal.skn");
     ThemeSwitches s;
-    s.read(e.ini, skn);
-    EXPECT_FALSE(s.Animated);
-    EXPECT_EQ(s.AnimDelay, 0);
-    EXPECT_FALSE(s.DebugOn);
-
+    auto state = [&] { return std::tuple(s.Animated, s.AnimDelay, s.DebugOn); };
     e.theme("terminal.skn", "[DEFAULT]\r\nAnimated=True\r\nAnimDelay=25ms\r\nDebug=1\r\n");
     s.read(e.ini, skn);
-    EXPECT_TRUE(s.Animated);
-    EXPECT_EQ(s.AnimDelay, 25);
-    EXPECT_TRUE(s.DebugOn);
-
-    // Shut-down re-reads only the animation; unreadable values keep the old ones.
+    EXPECT_EQ(state(), std::tuple(true, 25, true));
     e.theme("terminal.skn", "[DEFAULT]\r\nAnimated=perhaps\r\nAnimDelay=99999999\r\nDebug=0\r\n");
     s.readAnimation(e.ini, skn);
-    EXPECT_TRUE(s.Animated);
-    EXPECT_EQ(s.AnimDelay, ThemeSwitches::kMaxAnimDelay);
-    EXPECT_TRUE(s.DebugOn);
-    e.theme("terminal.skn", "[DEFAULT]\r\nAnimated=0\r\nAnimDelay=-5\r\n");
+    EXPECT_EQ(state(), std::tuple(true, ThemeSwitches::kMaxAnimDelay, true));
+    e.theme("terminal.skn", "[DEFAULT]\r\nAnimDelay=-5\r\n");
     s.read(e.ini, skn);
-    EXPECT_FALSE(s.Animated);
     EXPECT_EQ(s.AnimDelay, 0);
 }
 
+// Catches a protected button opened without the password: the flag is the
+// ninth field, the theme's override file wins, and a screen's buttons are
+// read from the screen's own section.
 TEST(PasswordGate, FlagIsTheNinthFieldOverrideFirst) {
     Env e;
     const QString skn = e.dir.file("theme/Mirel.skn");

@@ -53,27 +53,42 @@ TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     EXPECT_TRUE(test::readAll(m.dir.file("prog/debug.txt")).contains("Mirel: Ready"));
 }
 
-TEST(frmMain, ScreensSwitchOnceAndCommandsMatchWhole) {
+// Catches a screen laid out again when it is shown already, a command
+// matched loosely, a priority command that selects no button or the wrong
+// slot's (its lit picture is the layout tests'), and a control left or a
+// click taking effect after "QUIT".
+TEST(frmMain, ScreensCommandsAndQuit) {
     Main m;
     frmMain& w = m.start();
     const int base = 7; // the DEFAULT buttons stay; the overview goes
 
     m.click("notes"); // lower case in the skin still matches
     EXPECT_EQ(w.state().currentScreen, "Notes");
-    const int withNotes = w.controlCount();
-    EXPECT_EQ(withNotes, base + 2);
+    EXPECT_EQ(w.controlCount(), base + 2);
     m.click("notes");
-    EXPECT_EQ(w.controlCount(), withNotes) << "the shown screen is not laid out twice";
+    EXPECT_EQ(w.controlCount(), base + 2) << "the shown screen is not laid out twice";
 
     m.click("TODO");
     EXPECT_EQ(w.state().currentScreen, "Todo");
     EXPECT_EQ(w.controlCount(), base + 3);
+    m.click("AGENDAP1");
+    EXPECT_GT(w.selectedPriorityButton(), 0);
+    EXPECT_EQ(w.selectedPriorityButton(), w.state().tables.prioritySlots[1]);
 
     m.click("Calendar2");
     EXPECT_EQ(w.state().currentScreen, "Todo");
     EXPECT_EQ(m.opened, QList<QByteArray>{"Calendar2"}) << "no match: started as written";
+
+    m.click("QUIT");
+    EXPECT_TRUE(w.ended());
+    EXPECT_FALSE(w.Ready());
+    EXPECT_EQ(w.controlCount(), 0);
+    m.click("TODO");
+    EXPECT_EQ(w.state().currentScreen, "") << "nothing reacts after shut-down";
 }
 
+// Catches a protected button that opens on a wrong or empty password, and
+// a screen button's flag read from the wrong section.
 TEST(frmMain, PasswordGateGuardsProtectedButtons) {
     Main m;
     m.start();
@@ -99,6 +114,8 @@ TEST(frmMain, PasswordGateGuardsProtectedButtons) {
     EXPECT_EQ(m2.prompted, 4);
 }
 
+// Catches a click taken while a modal command runs, and the busy flag left
+// set afterwards.
 TEST(frmMain, ClicksDuringACommandAreDropped) {
     Main m;
     frmMain& w = m.start();
@@ -118,31 +135,7 @@ TEST(frmMain, ClicksDuringACommandAreDropped) {
     EXPECT_EQ(m.opened.size(), 2) << "the flag is cleared afterwards";
 }
 
-// Catches a priority command that selects no button or the wrong slot's.
-// (Its lit picture and the reset on leaving a screen are layout tests.)
-TEST(frmMain, PriorityCommandSelectsTheSlotsButton) {
-    Main m;
-    frmMain& w = m.start();
-    m.click("TODO");
-    const int p1 = w.state().tables.prioritySlots[1];
-    ASSERT_GT(p1, 0);
-    m.click("AGENDAP1");
-    EXPECT_EQ(w.selectedPriorityButton(), p1);
-}
-
-TEST(frmMain, QuitTakesEveryControlDown) {
-    Main m;
-    frmMain& w = m.start();
-    m.click("notes");
-    m.click("QUIT");
-    EXPECT_TRUE(w.ended());
-    EXPECT_FALSE(w.Ready());
-    EXPECT_EQ(w.controlCount(), 0);
-    EXPECT_EQ(w.state().currentScreen, "");
-    m.click("TODO");
-    EXPECT_EQ(w.state().currentScreen, "") << "nothing reacts after shut-down";
-}
-
+// Catches a window that ignores the rectangle the shell publishes.
 TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
     Main m;
     m.store.SaveSetting(kFamilyApp, "General", "Running", "True");
@@ -153,6 +146,8 @@ TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
     EXPECT_EQ(m.start().geometry(), QRect(40, 30, 800, 600));
 }
 
+// Catches a shut-down request that waits for the password dialog, or runs
+// the interrupted command after it.
 TEST(frmMain, ExitWhileThePasswordDialogIsOpenCancelsItAndShutsDown) {
     Main m;
     frmMain& w = m.start();
