@@ -3,8 +3,6 @@
 #include "ui/SkinButton.h"
 
 #include <QApplication>
-#include <QGuiApplication>
-#include <QScreen>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -35,10 +33,15 @@ struct Main : test::MainWindowHarness {
 
 } // namespace
 
-// Catches a start-up that misses the skin's colours, folder titles or screen
-// size, or leaves a stale exit flag or command in the mailboxes.
+// Catches a start-up that misses the skin's colours, folder titles or the
+// rectangle the shell publishes, or leaves a stale exit flag or command in
+// the mailboxes.
 TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     Main m;
+    m.store.SaveSetting(kFamilyApp, "General", "Running", "True");
+    for (const auto& [edge, value] : {std::pair("Left", "40"), std::pair("Top", "30"),
+                                      std::pair("Right", "840"), std::pair("Bottom", "630")})
+        m.store.SaveSetting(kFamilyApp, "Screen", edge, value);
     frmMain& w = m.start();
     EXPECT_TRUE(w.Ready());
     EXPECT_EQ(w.folders().SkinName, "Mirel");
@@ -47,7 +50,7 @@ TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     EXPECT_EQ(w.MailFolderTitle()[0], "In");
     EXPECT_EQ(w.MailFolderTitle()[1], "");
     EXPECT_EQ(w.MailFolderTitle()[3], "Bin");
-    EXPECT_EQ(w.geometry(), QGuiApplication::primaryScreen()->availableGeometry());
+    EXPECT_EQ(w.geometry(), QRect(40, 30, 800, 600));
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kExitSection, kExitKey), "0");
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
     EXPECT_TRUE(test::readAll(m.dir.file("prog/debug.txt")).contains("Mirel: Ready"));
@@ -133,17 +136,6 @@ TEST(frmMain, ClicksDuringACommandAreDropped) {
     EXPECT_EQ(m.opened, QList<QByteArray>{"\"/opt/my tool\" -a"});
     m.click("RUNME");
     EXPECT_EQ(m.opened.size(), 2) << "the flag is cleared afterwards";
-}
-
-// Catches a window that ignores the rectangle the shell publishes.
-TEST(frmMain, TakesTheRectanglePublishedByTheShell) {
-    Main m;
-    m.store.SaveSetting(kFamilyApp, "General", "Running", "True");
-    m.store.SaveSetting(kFamilyApp, "Screen", "Left", "40");
-    m.store.SaveSetting(kFamilyApp, "Screen", "Top", "30");
-    m.store.SaveSetting(kFamilyApp, "Screen", "Right", "840");
-    m.store.SaveSetting(kFamilyApp, "Screen", "Bottom", "630");
-    EXPECT_EQ(m.start().geometry(), QRect(40, 30, 800, 600));
 }
 
 // Catches a shut-down request that waits for the password dialog, or runs

@@ -65,19 +65,11 @@ TEST_F(MessageViewTest, AttachmentNamesAndMissingRows) {
 // Catches links that make the desktop do more than open a page or a new
 // message: local files, scripts, and mail links that attach a local file.
 TEST(MessageView, OutsideLinks) {
-    const struct {
-        const char *link, *handed;
-    } cases[] = {
-        {"http://example.com/a?b=c", "http://example.com/a?b=c"},
-        {"file:///etc/passwd", ""},
-        {"javascript:alert(1)", ""},
-        {"mailto:ann@x.org?subject=Hi&attach=/etc/passwd&Attachment=a&body=x",
-         "mailto:ann@x.org?subject=Hi&body=x"},
-        {"MAILTO:bob@y.net?X-Attach=f&cc=c@z.org", "mailto:bob@y.net?cc=c@z.org"},
-        {"mailto:ann@x.org%3Fattach=/etc/passwd", "mailto:ann@x.org"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(MessageView::outsideLink(QUrl(c.link)).toString(), c.handed) << c.link;
+    for (const auto& r : readTable("mail/outside-links.txt")) {
+        const QString handed = MessageView::outsideLink(QUrl(QString::fromLatin1(r[0]))).toString();
+        EXPECT_EQ(handed.isEmpty() ? QString("-") : handed, QString::fromLatin1(r[1]))
+            << r[0].data();
+    }
 }
 
 // Faults: a UTF-8 multipart page read as Windows-1252 ("CafÃ©"); a named
