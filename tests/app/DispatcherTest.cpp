@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <gtest/gtest.h>
-#include <random>
 
 using namespace mirel;
 
@@ -42,28 +41,5 @@ TEST(OpenCommand, ClassifiesProgramsAddressesAndDocuments) {
         QString resolved;
         EXPECT_EQ(int(c.classify(dir.path(), &resolved)), targets.indexOf(r[1]))
             << r[0].data() << " -> " << resolved.toStdString();
-    }
-}
-
-// Skins are outside input: whatever a command holds, the split must not
-// crash and must keep every byte on one side or the other.
-TEST(OpenCommand, ArbitraryCommandsSplitWithoutLoss) {
-    std::mt19937 rng(1234);
-    const QByteArray alphabet("ab \"\\:/-\x01\xe9\xff");
-    for (int n = 0; n < 20000; ++n) {
-        QByteArray c;
-        const int len = int(rng() % 12);
-        for (int i = 0; i < len; ++i)
-            c += alphabet[int(rng() % alphabet.size())];
-        const OpenCommand o = OpenCommand::parse(c);
-        if (c.startsWith('"')) {
-            const bool closed = c.indexOf('"', 1) > 0;
-            EXPECT_EQ('"' + o.program + (closed ? "\"" : "") + o.parameters, c);
-        } else if (o.parameters.isEmpty() && !c.mid(1).contains(' ')) {
-            EXPECT_EQ(o.program, c);
-        } else {
-            EXPECT_EQ(o.program + ' ' + o.parameters, c);
-            EXPECT_FALSE(o.program.mid(1).contains(' '));
-        }
     }
 }

@@ -62,26 +62,15 @@ TEST(ComposeRules, DocumentAndNames) {
 }
 
 // Catches: entries without an address offered, order by file instead of
-// name, a short file read past its end, ", " doubled or missing.
-TEST(AddressPickerTest, RowsAndResult) {
-    TempDir dir;
-    auto contact = [&](const char* file, const QByteArray& name, const QByteArray& address) {
-        QList<QByteArray> lines(17);
-        lines[0] = name;
-        lines[14] = address;
-        writeAll(dir.file(QString::fromLatin1(file)), lines.join("\r\n") + "\r\n");
-    };
-    contact("1.dat", "zoe", "z@x.org");
-    contact("2.dat", "Adam, Jr.", "a@x.org");
-    contact("3.dat", "No Mail", "");
-    writeAll(dir.file("4.dat"), "Short\r\n");
+// name, a short file read past its end, ", " doubled or missing when
+// appending. (Picking into an empty field is the whole-program compose
+// test's.) The address book is tests/data/mail/addressbook.
+TEST(AddressPickerTest, RowsAndAppending) {
     QList<QByteArray> rows;
-    for (const PickerRow& r : AddressPicker::rows(dir.path()))
+    for (const PickerRow& r : AddressPicker::rows(testData("mail/addressbook")))
         rows.append(r.text);
     EXPECT_EQ(rows, (QList<QByteArray>{"\"Adam, Jr.\" <a@x.org>", "\"zoe\" <z@x.org>"}));
-    EXPECT_EQ(AddressPicker::result(rows), "\"Adam, Jr.\" <a@x.org>, \"zoe\" <z@x.org>");
     EXPECT_EQ(AddressPicker::appendTo("b@y", "c@z"), "b@y, c@z");
-    EXPECT_EQ(AddressPicker::appendTo("", "c@z"), "c@z");
     EXPECT_EQ(AddressPicker::appendTo("b@y", ""), "b@y");
 }
 
@@ -92,17 +81,15 @@ using ComposeStoreTest = MailStoreFixture;
 // name leaving the scratch folder, or a name without name="..." lost.
 TEST_F(ComposeStoreTest, ForwardWritesPlainNamesInsideTheScratchFolder) {
     const qint32 id = *store.createMessage("0", {}, {}, {});
-    const QByteArray binary("\x00\x01\xFF\r\n", 5);
-    store.addAttachment("0", id, {"name=\"a.pdf\"", binary});
     store.addAttachment("0", id, {"plain.txt", "two"});
     store.addAttachment("0", id, {"name=\"../../evil.sh\"", "three"});
     const QString temp = dir.file("prog/EmailTemp");
     const auto list = ForwardAttachments::PrepareForwardAttachments(store, "0", id, temp);
     ASSERT_TRUE(list);
-    ASSERT_EQ(list->size(), 3);
-    EXPECT_EQ(ComposeRules::forwardEntry(list->at(1)),
+    ASSERT_EQ(list->size(), 2);
+    EXPECT_EQ(ComposeRules::forwardEntry(list->at(0)),
               std::make_pair(temp + "/plain.txt", QStringLiteral("plain.txt")));
-    EXPECT_EQ(ComposeRules::forwardEntry(list->at(2)).first, temp + "/att3.att");
+    EXPECT_EQ(ComposeRules::forwardEntry(list->at(1)).first, temp + "/att2.att");
     EXPECT_FALSE(QFile::exists(root("evil.sh")) || QFile::exists(dir.file("evil.sh")));
 
     store.addAttachment("0", id, {"name=\"empty\"", ""});

@@ -107,13 +107,8 @@ TEST(EmailScreen, OverviewRowOpensItsFolder) {
     m.add("2", "sent one", "me@x.org", MessageRow{0, "t", {}, {}});
     m.w->ShowScreen("Overview");
     QListWidget* overview = m.w->overviewList();
-    ASSERT_NE(overview, nullptr);
-    int row = -1;
-    for (int i = 0; i < overview->count(); ++i)
-        if (overview->item(i)->text() == "  Sent")
-            row = i;
-    ASSERT_GE(row, 0);
-    overview->setCurrentRow(row);
+    ASSERT_TRUE(overview && !overview->findItems("  Sent", Qt::MatchExactly).isEmpty());
+    overview->setCurrentItem(overview->findItems("  Sent", Qt::MatchExactly)[0]);
     m.w->overviewListReleased();
     EXPECT_EQ(m.w->state().currentScreen, "Email");
     EXPECT_EQ(m.screen().view().currentFolder(), "2");
