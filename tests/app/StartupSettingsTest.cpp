@@ -76,21 +76,17 @@ TEST_F(Startup, ThemeSwitchesDebugAtStartOnlyAndDelayWithinBounds) {
 }
 
 // Catches a protected button opened without the password: the flag is the
-// ninth field, the theme's override file wins, and a screen's buttons are
-// read from the screen's own section.
+// ninth field and the theme's override file wins. (A flag of "True" or "1"
+// and a screen's own section are the main window test's.)
 TEST_F(Startup, PasswordFlagIsTheNinthFieldOverrideFirst) {
     const QString skn = dir.file("theme/Mirel.skn");
     const QString over = dir.file("theme/Mirel.ini");
     theme("Mirel.skn", "[DEFAULT]\r\n"
-                       "01=B,a.bmp,0,0,10,10,hov,clk,True,SECRET\r\n"
                        "02=B,b.bmp,0,0,10,10,hov,clk,False,OPEN\r\n"
-                       "03=B,c.bmp,0,0,10,10,hov,clk\r\n"
-                       "[Notes]\r\n01=B,d.bmp,0,0,10,10,,,1,NOTEADD\r\n");
+                       "03=B,c.bmp,0,0,10,10,hov,clk\r\n");
     theme("Mirel.ini", "[DEFAULT]\r\n02=B,b.bmp,0,0,10,10,hov,clk,-1,OPEN\r\n");
 
-    EXPECT_TRUE(PasswordGate::isProtected(ini, "DEFAULT", 1, skn, over));
     EXPECT_TRUE(PasswordGate::isProtected(ini, "DEFAULT", 2, skn, over)) << "override wins";
     EXPECT_FALSE(PasswordGate::isProtected(ini, "DEFAULT", 3, skn, over)) << "no ninth field";
     EXPECT_FALSE(PasswordGate::isProtected(ini, "DEFAULT", 9, skn, over)) << "no such line";
-    EXPECT_TRUE(PasswordGate::isProtected(ini, "Notes", 1, skn, over));
 }
