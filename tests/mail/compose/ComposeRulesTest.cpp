@@ -46,9 +46,8 @@ TEST(ComposeRules, TableOfRules) {
 }
 
 // Catches: quoted text read as markup (a "<b>" in a plain message), line
-// ends kept as raw bytes, a short attachment name cut. (Long names cut to
-// their last twelve characters are the compose window test's.)
-TEST(ComposeRules, DocumentAndNames) {
+// ends kept as raw bytes, a quoted HTML body not taken as it is.
+TEST(ComposeRules, InitialDocument) {
     ComposePresets p;
     EXPECT_EQ(ComposeRules::initialDocument(p), ComposeRules::kBlankDocument);
     p.quoteHeader = "<B>x</B>";
@@ -58,7 +57,6 @@ TEST(ComposeRules, DocumentAndNames) {
               "a &lt;b&gt; &amp; c<BR>d</BODY></HTML>");
     p.quotedHtml = "<P>html</P>";
     EXPECT_EQ(ComposeRules::initialDocument(p), "<P>html</P>");
-    EXPECT_EQ(ComposeRules::attachmentDisplayName("/tmp/abc.pdf"), "/tmp/abc.pdf");
 }
 
 // Catches: entries without an address offered, order by file instead of
