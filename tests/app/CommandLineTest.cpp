@@ -56,18 +56,13 @@ TEST(SingleInstance, PrivateSocketAndNoHangOnASilentListener) {
 
 // Catches a theme copied over the user's edits, into a theme folder the
 // user named, or without its preview picture and sound folder.
+// The bundled theme is tests/data/app/bundled.
 TEST(BundledTheme, CopiedOnceIntoAnEmptyThemeFolder) {
     test::TempDir dir;
-    const QString source = dir.file("src/themes/Default");
-    QDir().mkpath(source + "/sounds");
-    test::writeAll(source + "/Terminal.skn", "[DEFAULT]\r\nSound=0\r\n");
-    test::writeAll(source + "/sounds/click.wav", "RIFF");
-    test::writeAll(dir.file("src/themes/Default.bmp"), "BM preview");
+    const QString source = test::testData("app/bundled/themes/Default");
     EXPECT_EQ(BundledTheme::locate({dir.file("nowhere"), source}), QDir::cleanPath(source));
 
-    Folders folders;
-    folders.ProgramDir = dir.file("prog");
-    folders.ThemeDir = QStringLiteral("\\themes\\Default\\");
+    const Folders folders{dir.file("prog"), QStringLiteral("\\themes\\Default\\")};
     ASSERT_TRUE(BundledTheme::installIfMissing(folders, source));
     EXPECT_TRUE(QFileInfo(folders.themeFile("terminal.skn")).isFile());
     EXPECT_EQ(test::readAll(dir.file("prog/themes/Default/sounds/click.wav")), "RIFF");

@@ -104,7 +104,6 @@ TEST_F(ComposeStoreTest, OutboxKeepsEveryRecipientAndCrlfLineEnds) {
     to.chop(2);
     OutgoingMessage m;
     m.to = to;
-    m.from = "\"Me\" <me@x.org>";
     m.text = "a\nb";
     const auto r = OutgoingMessageStore(store).StoreOutgoingMessage(m, "1");
     ASSERT_TRUE(r.ok());
