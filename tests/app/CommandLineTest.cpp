@@ -1,17 +1,13 @@
 #include "app/CommandLine.h"
 #include "TestSupport.h"
 #include "app/BundledTheme.h"
-#include "app/ShellValues.h"
 #include "app/SingleInstance.h"
-#include "platform/SettingsStore.h"
 #include "settings/Folders.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocalServer>
-#include <QThread>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -30,49 +26,8 @@ TEST(CommandLine, OnlySendAndQuitAreOptions) {
     }
 }
 
-TEST(CommandLine, CommandsReadBackFromTheStoreUnchanged) {
-    test::TempDir dir;
-    SettingsStore store(dir.path());
-    for (const QByteArray& c :
-         {QByteArray("NOTES"), QByteArray("\"/bin/sh\" -c \"pwd\""), QByteArray("\"x\""),
-          QByteArray("\""), QByteArray(" lead"), QByteArray("trail\t"), QByteArray("a \"b\" c")}) {
-        store.SaveSetting(kFamilyApp, kVoiceSection, kVoiceKey, CommandLine::storedForm(c));
-        EXPECT_EQ(store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), c) << c.data();
-    }
-}
-
-TEST(SingleInstance, SecondClaimRaisesTheFirst) {
-    test::TempDir dir;
-    const QString name = SingleInstance::serverName(dir.path());
-    EXPECT_NE(name, SingleInstance::serverName(dir.path() + "/other"));
-
-    SingleInstance first(name);
-    ASSERT_TRUE(first.claimOrRaiseOther());
-    int raised = 0;
-    QObject::connect(&first, &SingleInstance::raiseRequested, [&] { ++raised; });
-
-    // The other start runs in its own thread, as it would in its own process,
-    // while this one keeps serving.
-    bool secondClaimed = true;
-    bool pingAnswered = false;
-    QThread* other = QThread::create([&] {
-        SingleInstance second(name);
-        secondClaimed = second.claimOrRaiseOther();
-        pingAnswered = SingleInstance::ask(name, "ping");
-    });
-    other->start();
-    while (!other->isFinished())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    other->wait();
-    delete other;
-    QCoreApplication::processEvents();
-
-    EXPECT_FALSE(secondClaimed);
-    EXPECT_TRUE(pingAnswered);
-    EXPECT_EQ(raised, 1) << "a ping does not raise";
-}
-
-// Catches a socket others can create first, and a start that hangs or gives
+// Catches a socket others can create first, one socket shared by two data
+// folders, and a start that hangs or gives
 // up when whoever listens there never answers.
 TEST(SingleInstance, PrivateSocketAndNoHangOnASilentListener) {
     test::TempDir dir;
@@ -84,6 +39,7 @@ TEST(SingleInstance, PrivateSocketAndNoHangOnASilentListener) {
                                                  QFile::ExeOther);
     const QString name = SingleInstance::serverName(dir.file("store"));
     EXPECT_TRUE(name.startsWith(dir.file("mirel/"))) << name.toStdString();
+    EXPECT_NE(name, SingleInstance::serverName(dir.file("other"))) << "one per data folder";
     struct stat st {};
     ASSERT_EQ(::stat(QFile::encodeName(dir.file("mirel")).constData(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0700u);
@@ -98,19 +54,15 @@ TEST(SingleInstance, PrivateSocketAndNoHangOnASilentListener) {
     qputenv("XDG_RUNTIME_DIR", oldRuntime);
 }
 
+// Catches a theme copied over the user's edits, into a theme folder the
+// user named, or without its preview picture and sound folder.
+// The bundled theme is tests/data/app/bundled.
 TEST(BundledTheme, CopiedOnceIntoAnEmptyThemeFolder) {
     test::TempDir dir;
-    const QString source = dir.file("src/themes/Default");
-    QDir().mkpath(source + "/sounds");
-    test::writeAll(source + "/Terminal.skn", "[DEFAULT]\r\nSound=0\r\n");
-    test::writeAll(source + "/sounds/click.wav", "RIFF");
-    test::writeAll(dir.file("src/themes/Default.bmp"), "BM preview");
+    const QString source = test::testData("app/bundled/themes/Default");
     EXPECT_EQ(BundledTheme::locate({dir.file("nowhere"), source}), QDir::cleanPath(source));
-    EXPECT_EQ(BundledTheme::locate({dir.file("nowhere")}), QString());
 
-    Folders folders;
-    folders.ProgramDir = dir.file("prog");
-    folders.ThemeDir = QStringLiteral("\\themes\\Default\\");
+    const Folders folders{dir.file("prog"), QStringLiteral("\\themes\\Default\\")};
     ASSERT_TRUE(BundledTheme::installIfMissing(folders, source));
     EXPECT_TRUE(QFileInfo(folders.themeFile("terminal.skn")).isFile());
     EXPECT_EQ(test::readAll(dir.file("prog/themes/Default/sounds/click.wav")), "RIFF");

@@ -11,8 +11,6 @@ using mirel::test::jsonTestData;
 
 namespace {
 
-const QByteArray kHead = "<HTML><HEAD><TITLE></TITLE></HEAD><BODY BGCOLOR=#000000 TEXT=#FFFFFF>";
-
 // Catches any text page rule (breaks, links, escaping), any darkening or
 // end-tag repair of an HTML page, and the wrong charset source winning: the
 // rows are in tests/data/mail/message-page.json.
@@ -28,37 +26,6 @@ TEST(MessagePage, TableOfRules) {
         EXPECT_EQ(MessagePage::displayCharset(col(r, 1), col(r, 2)), col(r, 3))
             << col(r, 0).constData();
 }
-
-// Catches the text body shown although an HTML body is there.
-TEST(MessagePage, HtmlBodyWinsOverText) {
-    EXPECT_EQ(MessagePage::build("text", "<body>html</body></html>"), "<body>html</body></html>");
-    EXPECT_TRUE(MessagePage::build("text", "").startsWith(kHead + "text"));
-}
-
-struct CharsetCase {
-    const char* name;
-    QByteArray page, headers, charset;
-};
-
-class DisplayCharset : public ::testing::TestWithParam<CharsetCase> {};
-
-TEST_P(DisplayCharset, MetaThenHeaderThenWindows1252) {
-    EXPECT_EQ(MessagePage::displayCharset(GetParam().page, GetParam().headers), GetParam().charset);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rules, DisplayCharset,
-    ::testing::Values(
-        CharsetCase{"None", "<p>x", "Subject: a\r\n", "windows-1252"},
-        CharsetCase{"HttpEquivMeta",
-                    "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=UTF-8\">",
-                    "Content-Type: text/html; charset=iso-8859-2\r\n", "utf-8"},
-        CharsetCase{"Html5Meta", "<META CHARSET='koi8-r'>", "", "koi8-r"},
-        CharsetCase{"MetaWithoutCharset", "<meta name=x><p>charset=utf-8", "", "windows-1252"},
-        CharsetCase{"HeaderCharset", "x",
-                    "From: a\r\ncontent-type: text/plain;\r\n\tcharset=\"ISO-8859-15\"\r\n",
-                    "iso-8859-15"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // Catches page building that grows with the square of the message (a
 // megabyte of tags or addresses once took minutes) or a page that explodes
