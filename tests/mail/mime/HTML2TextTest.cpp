@@ -11,12 +11,13 @@
 
 using namespace mirel;
 using mirel::test::jsonTestData;
+using mirel::test::referenceEntityNames;
 using mirel::test::referenceHtml2Text;
 
 namespace {
 
-QByteArray show(const QByteArray& b) {
-    return b.toPercentEncoding(" <>&;/=\"!#.,-:()?'*");
+std::string show(const QByteArray& b) {
+    return b.toPercentEncoding(" <>&;/=\"!#.,-:()?'*").toStdString();
 }
 
 // Catches any rule of the conversion written wrong, in the code or in the
@@ -32,50 +33,46 @@ TEST(HTML2Text, WrittenExamples) {
     }
 }
 
-TEST(HTML2Text, EveryTableEntityAndItsNeighbours) {
-    int checked = 0;
-    for (const auto& e : mirel::test::kReferenceEntities) {
-        const QByteArray name(e.name);
-        EXPECT_EQ(HTML2Text("&" + name + ";"), QByteArray(1, char(e.code))) << e.name;
-        // One letter more or an upper-cased first letter is another name.
-        for (const QByteArray& other : {name + "x", name.left(1).toUpper() + name.mid(1)}) {
-            const QByteArray in = "&" + other + ";";
-            EXPECT_EQ(HTML2Text(in), referenceHtml2Text(in)) << other.constData();
-        }
-        ++checked;
-    }
-    EXPECT_EQ(checked, 99);
-}
-
-// Documents built from the pieces the rules react to, in every order.
+// Documents built from the pieces the rules react to, in every order; among
+// them every entity name, one letter longer, or with its first letter's case
+// flipped (each of those is another name).
 QByteArray randomDocument(std::mt19937& rng, int pieces) {
     static const char* const kPieces[] = {
-        "<p>",    "<P>",        "<br>",    "<BR>",    "</div>", "</DIV>", "<p class=x>",
-        "<br/>",  "<b>",        "</b>",    "<",       ">",      "&",      ";",
-        "&amp;",  "&eacute;",   "&nbsp;",  "&shy;",   "&#233;", "&AMP;",  "&x y;",
-        " ",      "  ",         "   ",     "\r\n",    "\n",     "\r",     "\n\n",
-        "<body>", "<BODY x=1>", "</body>", "</BODY>", "<body",  "word",   "A",
-        "\xE9",   "\x00",       "\t",      "</",      "/div",   "br",     "p",
+        "<p>",        "<P>",     "<br>",    "<BR>",  "</div>", "</DIV>", "<p class=x>", "<br/>",
+        "<b>",        "</b>",    "<",       ">",     "&",      ";",      "&x y;",       "&#233;",
+        " ",          "  ",      "   ",     "\r\n",  "\n",     "\r",     "\n\n",        "<body>",
+        "<BODY x=1>", "</body>", "</BODY>", "<body", "word",   "A",      "\xE9",        "\x00",
+        "\t",         "</",      "/div",    "br",    "p",
     };
+    const QList<QByteArray>& names = referenceEntityNames();
     QByteArray doc;
     for (int i = 0; i < pieces; ++i) {
-        const char* p = kPieces[rng() % std::size(kPieces)];
-        doc += *p ? QByteArray(p) : QByteArray(1, '\0');
+        const size_t k = rng() % (std::size(kPieces) + 9);
+        if (k < std::size(kPieces)) {
+            const char* p = kPieces[k];
+            doc += *p ? QByteArray(p) : QByteArray(1, '\0');
+            continue;
+        }
+        QByteArray name = names[qsizetype(rng() % size_t(names.size()))];
+        if (k % 3 == 1)
+            name += 'x';
+        else if (k % 3 == 2)
+            name[0] = char(name[0] ^ 0x20);
+        doc += '&' + name + ';';
     }
     return doc;
 }
 
-TEST(HTML2Text, MatchesTheReferenceOnRandomDocuments) {
+// Catches a rule, an entity or a sixteen-byte step of the fast scan that
+// gives other bytes than the reference: random documents, then the real
+// documents of this machine.
+TEST(HTML2Text, MatchesTheReference) {
     std::mt19937 rng(4242);
     for (int i = 0; i < 30000; ++i) {
         const QByteArray doc = randomDocument(rng, 1 + int(rng() % 40));
-        ASSERT_EQ(show(HTML2Text(doc)), show(referenceHtml2Text(doc))) << show(doc).constData();
+        ASSERT_EQ(show(HTML2Text(doc)), show(referenceHtml2Text(doc))) << show(doc);
     }
-}
-
-TEST(HTML2Text, MatchesTheReferenceOnRealDocuments) {
     int compared = 0;
-    qint64 bytes = 0;
     QDirIterator it(QStringLiteral("/usr/share/doc"),
                     {QStringLiteral("*.html"), QStringLiteral("*.htm")}, QDir::Files,
                     QDirIterator::Subdirectories);
@@ -86,35 +83,28 @@ TEST(HTML2Text, MatchesTheReferenceOnRealDocuments) {
         const QByteArray doc = f.readAll();
         ASSERT_EQ(HTML2Text(doc), referenceHtml2Text(doc)) << f.fileName().toStdString();
         ++compared;
-        bytes += doc.size();
     }
-    if (compared == 0)
-        GTEST_SKIP() << "no HTML documents on this machine";
-    RecordProperty("documents", compared);
-    RecordProperty("bytes", int(bytes));
+    RecordProperty("real_documents", compared);
 }
 
-// Inputs that make a naive front-to-back scan search to the end of the text
-// for every character. A quadratic version would not finish within the test
-// time limit; the expected outputs are known without the reference.
+// Catches a scan that searches to the end of the text for every character:
+// on these inputs a quadratic version would not finish within the test time
+// limit. The expected outputs are known without the reference.
 TEST(HTML2Text, FiftyMegabyteWorstCases) {
     constexpr qsizetype kSize = 50 * 1024 * 1024;
-    EXPECT_TRUE(HTML2Text(QByteArray(kSize, '<')).isEmpty());
-
-    QByteArray amps(kSize, '&');
-    EXPECT_EQ(HTML2Text(amps), amps);
-
-    QByteArray spacedAmps = QByteArray("&x ").repeated(kSize / 3) + ";";
-    QByteArray expected = QByteArray("&x ").repeated(kSize / 3) + ";";
-    EXPECT_EQ(HTML2Text(spacedAmps), expected);
-
-    QByteArray unclosed = QByteArray("a<b").repeated(kSize / 3);
-    EXPECT_EQ(HTML2Text(unclosed), QByteArray("ab").repeated(kSize / 3));
-
-    QByteArray paragraphs = QByteArray("<p>x&eacute;\r\n  ").repeated(kSize / 16);
-    const QByteArray out = HTML2Text(paragraphs);
-    EXPECT_EQ(out.size(), (kSize / 16) * 6);
-    EXPECT_TRUE(out.startsWith("\r\n\r\nx\xE9\r\n\r\nx\xE9"));
+    const struct {
+        QByteArray piece, out;
+    } cases[] = {
+        {"<", {}},
+        {"&", "&"},
+        {"&x ", "&x "},
+        {"a<b", "ab"},
+        {"<p>x&eacute;\r\n  ", "\r\n\r\nx\xE9"},
+    };
+    for (const auto& c : cases) {
+        const qsizetype times = kSize / c.piece.size();
+        EXPECT_EQ(HTML2Text(c.piece.repeated(times)), c.out.repeated(times)) << c.piece.constData();
+    }
 }
 
 } // namespace
