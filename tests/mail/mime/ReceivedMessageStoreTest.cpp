@@ -1,6 +1,7 @@
 #include "MailStoreFixture.h"
 
 #include <QElapsedTimer>
+#include <optional>
 
 using namespace mirel;
 using namespace mirel::test;
@@ -55,49 +56,37 @@ TEST_F(ReceivedMessageStoreTest, MailWithoutAnIdIsKeyedOnItsWholeBody) {
 // Catches a crash, a stack overflow or a quadratic walk on broken or hostile
 // structure, and a message lost instead of stored as far as it goes.
 TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
-    QByteArray deep = part("text/plain", "bottom");
-    for (int i = 0; i < 50; ++i)
-        deep = multipart("mixed", "d" + QByteArray::number(i), {deep});
-    // Thousands of levels, none of them closed.
-    QByteArray abyss = kHead + "Content-Type: multipart/mixed; boundary=\"b0\"\r\n\r\n";
-    for (int i = 1; i < 5000; ++i)
-        abyss += "--b" + QByteArray::number(i - 1) +
-                 "\r\nContent-Type: multipart/mixed; boundary=\"b" + QByteArray::number(i) +
-                 "\"\r\n\r\n";
-    abyss += "--b4999\r\nContent-Type: text/plain\r\n\r\nbottom\r\n";
-    QByteArray nul = kHead + "\r\nbefore";
-    nul += '\0';
-    nul += "after\r\n";
-    const QByteArray open = multipart("mixed", "never", {part("text/plain", "unclosed")}, false);
-
+    auto nested = [](int levels, bool closed) {
+        QByteArray m = part("text/plain", "bottom");
+        for (int i = 0; i < levels; ++i)
+            m = multipart("mixed", "b" + QByteArray::number(i), {m}, closed);
+        return kHead + m;
+    };
+    const QByteArray truncated = multipart(
+        "mixed", "t",
+        {part("application/pdf", "JVBERi0xLj", "Content-Transfer-Encoding: base64\r\n")}, false);
     const struct {
         const char* name;
         QByteArray raw;
-        QByteArray text;
+        std::optional<QByteArray> text; // none: whatever the letters among garbage make
         int attachments;
     } cases[] = {
         {"empty message", {}, {}, 0},
         {"not MIME at all", "just some words\nwithout headers\n",
          "just some words\nwithout headers\n", 0},
         {"headers only", kHead, {}, 0},
-        {"truncated in a base64 part",
-         kHead + multipart("mixed", "t",
-                           {part("application/pdf", "JVBERi0xLj",
-                                 "Content-Transfer-Encoding: base64\r\n")},
-                           false)
-                     .chopped(4),
-         {},
-         1},
-        {"boundary never closes", kHead + open, "unclosed\r\n", 0},
-        {"fifty levels of parts", kHead + deep, {}, 1},
-        {"five thousand open levels", abyss, {}, 1},
-        {"NUL bytes in the body", nul, QByteArray("before\0after\r\n", 14), 0},
+        {"truncated in a base64 part", kHead + truncated.chopped(4), {}, 1},
+        {"boundary never closes",
+         kHead + multipart("mixed", "never", {part("text/plain", "unclosed")}, false),
+         "unclosed\r\n", 0},
+        {"fifty levels of parts", nested(50, true), {}, 1},
+        {"five thousand open levels", nested(5000, false), {}, 1},
+        {"NUL bytes in the body", kHead + "\r\nbefore" + QByteArray("\0after\r\n", 8),
+         QByteArray("before\0after\r\n", 14), 0},
         {"base64 garbage",
-         kHead + part("text/plain", "!!!*** not base64 at all ***",
-                      "Content-Transfer-Encoding: base64\r\n"),
-         {},
-         0}, // whatever the letters among the garbage make
-
+         kHead +
+             part("text/plain", "!!!*** not base64 ***", "Content-Transfer-Encoding: base64\r\n"),
+         std::nullopt, 0},
         {"one-megabyte header line",
          "X-Long: " + QByteArray(1 << 20, 'h') + "\r\n" + kHead + "\r\nshort\r\n", "short\r\n", 0},
     };
@@ -108,9 +97,8 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
         forgetReceived();
         const Rows r = storeMail(c.raw);
         EXPECT_LT(timer.elapsed(), 5000);
-        if (QByteArrayView(c.name) != "base64 garbage") {
-            EXPECT_EQ(r.message.text, c.text);
-        }
+        if (c.text)
+            EXPECT_EQ(r.message.text, *c.text);
         EXPECT_EQ(r.index.attachments, c.attachments);
         EXPECT_EQ(qint32(r.attachments.size()), c.attachments);
     }
