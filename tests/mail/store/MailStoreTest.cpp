@@ -63,21 +63,6 @@ TEST_F(MailStoreTest, ExistingDataFileIsNotRepaired) {
     EXPECT_GT(QFileInfo(store.databasePath("2", "data.mdb")).size(), 0);
 }
 
-// Catches empty bodies and attachments written as empty values instead of
-// left NULL, as the files have always held them.
-TEST_F(MailStoreTest, EmptyBodiesStayUnassigned) {
-    const qint32 id = add("0", "empty", {{"name=\"e\"", {}}});
-    SQLite::Database db(store.databasePath("0", "data.mdb").toStdString());
-    SQLite::Statement st(db, "SELECT text IS NULL, html IS NULL, headers IS NULL FROM message");
-    ASSERT_TRUE(st.executeStep());
-    EXPECT_EQ(st.getColumn(0).getInt() + st.getColumn(1).getInt() + st.getColumn(2).getInt(), 3);
-    SQLite::Database adb(store.databasePath("0", "attachments.mdb").toStdString());
-    SQLite::Statement at(adb,
-                         "SELECT data IS NULL FROM attachments WHERE id = " + std::to_string(id));
-    ASSERT_TRUE(at.executeStep());
-    EXPECT_EQ(at.getColumn(0).getInt(), 1);
-}
-
 // Catches a list sorted by the Date text or the ID, ties broken the wrong
 // way, and the outbox sent in another order than it was written.
 TEST_F(MailStoreTest, ListIsNewestFirstAndOutboxIsInStoredOrder) {
