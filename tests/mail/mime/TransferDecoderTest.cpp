@@ -1,7 +1,8 @@
 #include "platform/TransferDecoder.h"
-#include "TestSupport.h"
+#include "MailStoreFixture.h"
 #include "platform/BinHexDecoder.h"
 
+#include <QJsonArray>
 #include <gtest/gtest.h>
 
 using namespace mirel;
@@ -44,24 +45,12 @@ TEST(BinHexDecoderTest, WholeDamagedAndMissingBlocks) {
 // Catches an encoding decoded by the wrong rule: blanks inside base64, soft
 // line breaks, uuencode's line ends and short lines, unknown names kept.
 TEST(TransferDecoderTest, DecodesTheFourEncodings) {
-    const struct {
-        const char* name;
-        QByteArray raw;
-        QByteArray decoded;
-    } cases[] = {
-        {"base64", "AAECAwQF\r\nBgcICQ==\r\n", QByteArray("\0\1\2\3\4\5\6\7\x08\x09", 10)},
-        {"BASE64", "aGVs bG8=", "hello"}, // blanks inside are skipped
-        {"quoted-printable", "caf=E9 =3D soft=\r\nbreak=\nx", "caf\xe9 = softbreakx"},
-        {"x-uuencode", "begin 644 f\n#86)C\n`\nend\n", "abc"},
-        {"x-uuencode", "begin 644 f\r\n#86)C\r\n`\r\nend\r\n", "abc"},
-        {"x-uuencode", "no begin line\n#86)C\n", "no begin line\n#86)C\n"},
-        {"x-uuencode", "begin 644 f\nM", QByteArray(45, '\0')}, // a short line counts as zeros
-        {"7bit", "kept =E9 as it is", "kept =E9 as it is"},
-        {"", "kept", "kept"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(TransferDecoder::decode(c.raw, TransferDecoder::fromName(c.name)), c.decoded)
-            << c.name << " " << c.raw.constData();
+    for (const QJsonValue r : jsonTestData("mail/mime-rules.json")["transfer"].toArray()) {
+        const QByteArray name = r[0].toString().toLatin1(), raw = r[1].toString().toLatin1();
+        EXPECT_EQ(TransferDecoder::decode(raw, TransferDecoder::fromName(name)),
+                  r[2].toString().toLatin1())
+            << name.constData() << " " << raw.constData();
+    }
 }
 
 } // namespace
