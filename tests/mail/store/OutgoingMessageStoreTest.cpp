@@ -43,44 +43,25 @@ TEST(OutgoingMessageRules, HeaderTextAndAttachmentNames) {
             << r[0].toString().toStdString();
 }
 
-// From, subject and date going through are the whole-program compose test's.
-// Catches: ";" left as a recipient separator (and inside a quoted name), the
-// CC line lost, attachments out of list order, a file read short or with its
-// folders.
-TEST_F(OutgoingMessageStoreTest, StoresTheWholeRecordWithAttachmentsInListOrder) {
-    QByteArray binary;
-    for (int i = 0; i < 256; ++i)
-        binary += char(i);
-    binary += QByteArray(70000, '\0') + "end";
+// From, subject, date, the CC line and one attachment's name and bytes going
+// through are the whole-program compose test's. Catches: ";" left as a
+// recipient separator (and inside a quoted name), attachments out of list
+// order, a large file read short.
+TEST_F(OutgoingMessageStoreTest, StoresRecipientsAndAttachmentsInListOrder) {
+    const QByteArray binary = QByteArray("\x01\xFF", 2) + QByteArray(70000, '\0') + "end";
     writeAll(dir.file("files/sub folder/report.pdf"), binary);
-    writeAll(dir.file("files/a.txt"), "first line\r\nsecond\r\n");
-
+    writeAll(dir.file("files/a.txt"), "first line\r\n");
     OutgoingMessage m;
     m.to = "ann@x.org;bob@y.net; \"Lee; Cy\" <cy@z.com>";
-    m.from = "\"Me\" <me@home.org>";
-    m.date = "Sun, 22 Nov 2026 21:30:05 +0000";
-    m.html = "<P>Hi</P>";
-    m.text = "Hi";
-    m.cc = "dee@x.org";
     m.attachments = {dir.file("files/sub folder/report.pdf"), dir.file("files/a.txt")};
-
     const auto result = outgoing.StoreOutgoingMessage(m, MailStore::kOutbox);
     ASSERT_TRUE(result.ok()) << result.error.toStdString();
-
-    const auto index = store.readIndexRow("1", *result.id);
-    ASSERT_TRUE(index);
-    EXPECT_EQ(index->to, "ann@x.org,bob@y.net, \"Lee, Cy\" <cy@z.com>");
-    EXPECT_EQ(index->attachments, 2);
-
-    EXPECT_EQ(store.readMessageRow("1", *result.id)->headers,
-              "CC: dee@x.org\r\nX-Mailer: TORVEX Terminal MIREL v2.0\r\n");
-
+    EXPECT_EQ(store.readIndexRow("1", *result.id)->to,
+              "ann@x.org,bob@y.net, \"Lee, Cy\" <cy@z.com>");
     const auto files = store.readAttachments("1", *result.id);
     ASSERT_EQ(files.size(), 2u);
-    EXPECT_EQ(files[0].filename, "name=\"report.pdf\"");
     EXPECT_EQ(files[0].data, binary);
     EXPECT_EQ(files[1].filename, "name=\"a.txt\"");
-    EXPECT_EQ(files[1].data, "first line\r\nsecond\r\n");
     EXPECT_TRUE(sink.shown.empty());
 }
 
