@@ -85,22 +85,17 @@ def summarize(path):
         "date": raw_value(msg, "Date").decode("latin-1"),
         "headers": len(msg.keys()),
     }
-    text = html = None
+    bodies = {}  # the first non-empty text/plain and text/html
     atts = []
 
     def store_part(part):
-        nonlocal text, html
         content = content_of(part)
         kind = (part.get_content_maintype(), part.get_content_subtype())
         if part.get_content_disposition() == "attachment" or part.get_filename():
             kind = ("file",) + kind  # a named or attached text part is a file
-        if kind == ("text", "plain"):
-            if not text:
-                text = content if content is not None else b""
-            return
-        if kind == ("text", "html"):
-            if not html:
-                html = content if content is not None else b""
+        if kind in (("text", "plain"), ("text", "html")):
+            if not bodies.get(kind):
+                bodies[kind] = content or b""
             return
         entry = {"filename": stored_name(part).decode("latin-1")}
         if content is not None:
@@ -120,8 +115,8 @@ def summarize(path):
                 store_part(part)
     else:
         store_part(msg)
-    out["text_sha256"] = sha(text or b"")
-    out["html_sha256"] = sha(html or b"")
+    out["text_sha256"] = sha(bodies.get(("text", "plain"), b""))
+    out["html_sha256"] = sha(bodies.get(("text", "html"), b""))
     out["attachments"] = atts
     return out
 
