@@ -22,9 +22,8 @@ struct MailFolders : MailStoreFixture {
     QString mail() const { return root("Email/"); }
     // The folder's list lines after one more message, newest first.
     QList<QByteArray> add(QByteArrayView folder, QByteArray subject, int attachments) {
-        std::vector<AttachmentRow> atts(size_t(attachments), {"name=\"a.bin\"", subject});
-        store.createMessage(folder, NewIndexFields{subject, {}, {}, {}}, {}, atts);
-        clock.advanceSeconds(1);
+        addMessage(folder, subject,
+                   std::vector<AttachmentRow>(size_t(attachments), {"a", subject}));
         QList<QByteArray> lines;
         for (const IndexRow& r : store.FillMessageIndexList(folder))
             lines.append(r.listLine());

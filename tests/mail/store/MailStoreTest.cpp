@@ -18,16 +18,6 @@ protected:
         MailStoreFixture::SetUp();
     }
 
-    qint32 add(QByteArrayView folder, const QByteArray& subject,
-               std::vector<AttachmentRow> attachments = {}, MessageRow bodies = {}) {
-        const auto id = store.createMessage(
-            folder, {subject, "Ann <a@x.org>", "Sun, 22 Nov 2026 10:00:00 +0100", "b@y.net"},
-            bodies, attachments);
-        EXPECT_TRUE(id.has_value());
-        clock.advanceSeconds(1);
-        return id.value_or(-1);
-    }
-
     // The one message shown since the last check; it names what failed.
     void expectOneReport(std::initializer_list<const char*> names) {
         ASSERT_EQ(sink.shown.size(), 1u);
@@ -62,10 +52,10 @@ TEST_F(MailStoreTest, StartupMakesWhatIsMissingAndReadsTheAccountList) {
 // Catches a list sorted by the Date text or the ID, ties broken the wrong
 // way, and the outbox sent in another order than it was written.
 TEST_F(MailStoreTest, ListIsNewestFirstAndOutboxIsInStoredOrder) {
-    const qint32 a = add("1", "first");
-    const qint32 b = add("1", "second");
+    const qint32 a = addMessage("1", "first");
+    const qint32 b = addMessage("1", "second");
     clock.advanceSeconds(-60); // a clock that runs backwards does not matter for ties
-    const qint32 c = add("1", "third, stamped earlier");
+    const qint32 c = addMessage("1", "third, stamped earlier");
     const auto rows = store.FillMessageIndexList("1");
     ASSERT_EQ(rows.size(), 3u);
     EXPECT_EQ(QList<qint32>({rows[0].id, rows[1].id, rows[2].id}), QList<qint32>({b, a, c}));
@@ -82,9 +72,9 @@ TEST_F(MailStoreTest, ListIsNewestFirstAndOutboxIsInStoredOrder) {
 // time or the attachments' order, or reuses an ID; a delete that stops at a
 // missing row or takes another message's attachments.
 TEST_F(MailStoreTest, MoveAndDeleteTakeEveryRowOfTheirMessage) {
-    const qint32 inDest = add("3", "already in 3"); // the destination's counter is ahead
-    const qint32 id = add("0", "moving", {{"1", "one"}, {"2", "two"}, {"3", "three"}},
-                          {0, "text", "html", "hdr", {}, {}});
+    const qint32 inDest = addMessage("3", "already in 3"); // the destination's counter is ahead
+    const qint32 id = addMessage("0", "moving", {{"1", "one"}, {"2", "two"}, {"3", "three"}},
+                                 {0, "text", "html", "hdr", {}, {}});
     store.setReaded("0", id, 1);
     const IndexRow before = *store.readIndexRow("0", id);
     const auto moved = store.MoveMessage("0", "3", id);
@@ -102,11 +92,11 @@ TEST_F(MailStoreTest, MoveAndDeleteTakeEveryRowOfTheirMessage) {
     const auto atts = store.readAttachments("3", *moved);
     ASSERT_EQ(atts.size(), 3u);
     EXPECT_EQ(atts[2].data, QByteArray("three"));
-    EXPECT_GT(add("0", "next"), id); // IDs are never handed out twice
+    EXPECT_GT(addMessage("0", "next"), id); // IDs are never handed out twice
     EXPECT_FALSE(store.MoveMessage("0", "3", id).has_value());
 
     // The message row is missing: the other two are still removed.
-    const qint32 keep = add("3", "stays", {{"c", "3"}});
+    const qint32 keep = addMessage("3", "stays", {{"c", "3"}});
     SQLite::Database(store.databasePath("3", "data.mdb").toStdString(), SQLite::OPEN_READWRITE)
         .exec("DELETE FROM message");
     EXPECT_TRUE(store.DeleteMessage("3", *moved));
@@ -119,8 +109,8 @@ TEST_F(MailStoreTest, MoveAndDeleteTakeEveryRowOfTheirMessage) {
 // Catches a locked or broken file that hangs, crashes or blocks the other
 // folders, and a folder made by merely listing it.
 TEST_F(MailStoreTest, LockedOrCorruptFileEndsTheOperationWithAMessage) {
-    const qint32 id = add("0", "inbox message");
-    add("2", "sent message");
+    const qint32 id = addMessage("0", "inbox message");
+    addMessage("2", "sent message");
     SQLite::Database other(store.databasePath("0", "index.mdb").toStdString(),
                            SQLite::OPEN_READWRITE);
     other.exec("BEGIN EXCLUSIVE");
@@ -144,7 +134,7 @@ TEST_F(MailStoreTest, LockedOrCorruptFileEndsTheOperationWithAMessage) {
 // itself that duplicates the message.
 TEST_F(MailStoreTest, UserFolderIsFoundWithoutRegardToCase) {
     FolderManager(store, sink).create("Archive");
-    const qint32 id = add("archive", "kept");
+    const qint32 id = addMessage("archive", "kept");
     EXPECT_EQ(store.FillMessageIndexList("ARCHIVE").at(0).id, id);
     EXPECT_EQ(store.MoveMessage("Archive", "archive", id), id); // one folder: nothing moves
     EXPECT_EQ(store.FillMessageIndexList("Archive").size(), 1u);
