@@ -19,10 +19,11 @@ TEST(MessageIdKeyTest, TakesTheIdBetweenTheBrackets) {
             << r[0].toString().toStdString();
 }
 
-// Catches: a key written before the store committed (a lost message), a key
-// lost when the file is read back (every section, also appended ones, with
-// names compared without regard to case), a line cut off by a crash read as
-// a key, and a record that never gets compacted.
+// A key written before the store committed is the receive fault test's.
+// Catches: a key kept for a message that was not stored, a key lost when the
+// file is read back (every section, also appended ones, with names compared
+// without regard to case), a line cut off by a crash read as a key, and a
+// record that never gets compacted.
 TEST(DuplicateDetectorTest, RecordsOnlyWhatIsFlushedAndReadsItBack) {
     TempDir dir;
     const QString file = dir.file("incomming.ini");
@@ -42,7 +43,6 @@ TEST(DuplicateDetectorTest, RecordsOnlyWhatIsFlushedAndReadsItBack) {
         EXPECT_FALSE(d.isKnown(fresh));
         d.remember(fresh);
         d.remember(DuplicateDetector::keysOf({"From: b"}, "no id"));
-        EXPECT_FALSE(readAll(file).contains("a@x")) << "recorded before the commit";
         EXPECT_TRUE(d.flush());
     }
     // The digest is MD5 in lower-case hex, as records written before hold it.
