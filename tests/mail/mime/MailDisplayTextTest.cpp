@@ -1,39 +1,32 @@
 #include "mail/mime/MailDisplayText.h"
+#include "MailStoreFixture.h"
 
+#include <QJsonArray>
 #include <gtest/gtest.h>
 
 using namespace mirel;
+using mirel::test::jsonTestData;
 
 namespace {
 
-TEST(MailDisplayTextTest, DecodesEncodedWordsAndRawBytes) {
-    const struct {
-        QByteArray stored;
-        QString shown;
-    } cases[] = {
-        {"=?iso-8859-1?q?Caf=E9?= au lait", QStringLiteral("Café au lait")},
-        {"=?UTF-8?B?R3LDvMOfZQ==?=", QStringLiteral("Grüße")},
-        {"\"=?utf-8?q?J=C3=B6rg?=\" <j@example.org>", QStringLiteral("\"Jörg\" <j@example.org>")},
-        {"plain ascii", QStringLiteral("plain ascii")},
-        {"raw \xe9t\xe9 in cp1252", QStringLiteral("raw été in cp1252")},
-        {"raw utf-8 \xc3\xa9t\xc3\xa9", QStringLiteral("raw utf-8 été")},
-        {"=?bogus-charset?q?x?=", QStringLiteral("x")},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(MailDisplayText::decodeHeader(c.stored), c.shown) << c.stored.constData();
+QByteArray bytes(const QJsonValue& v) {
+    return v.toString().toLatin1();
 }
 
-TEST(MailDisplayTextTest, ReadsBodiesInTheirDeclaredCharset) {
-    EXPECT_EQ(MailDisplayText::charsetOf("charset=\"UTF-8\"; format=flowed"), QByteArray("utf-8"));
-    EXPECT_EQ(MailDisplayText::charsetOf("name=\"a.txt\""), QByteArray("windows-1252"));
-    EXPECT_EQ(MailDisplayText::charsetOf(""), QByteArray("windows-1252"));
-
-    EXPECT_EQ(MailDisplayText::decodeBody("\x93q\x94", "windows-1252"), QStringLiteral("“q”"));
-    EXPECT_EQ(MailDisplayText::decodeBody("\x93q\x94", "iso-8859-1"), QStringLiteral("“q”"));
-    EXPECT_EQ(MailDisplayText::decodeBody("\xc3\xbc", "utf-8"), QStringLiteral("ü"));
-    EXPECT_EQ(MailDisplayText::decodeBody("\xfc", "utf-8"), QStringLiteral("ü")); // mislabelled
-    EXPECT_EQ(MailDisplayText::decodeBody("\xe1\xce", "koi8-r"), QStringLiteral("Ан"));
-    EXPECT_EQ(MailDisplayText::decodeBody("caf\xe9", "no-such-charset"), QStringLiteral("café"));
+// Catches an encoded word left undecoded or decoded in the wrong charset, raw
+// 8-bit text read in neither UTF-8 nor the files' code page, and a body read
+// in another charset than its part declares (a mislabelled or unknown one
+// falls back instead of showing garbage).
+TEST(MailDisplayTextTest, HeadersAndBodiesInTheirCharsets) {
+    const QJsonObject rows = jsonTestData("mail/mime-rules.json");
+    for (const QJsonValue r : rows["decodeHeader"].toArray())
+        EXPECT_EQ(MailDisplayText::decodeHeader(bytes(r[0])), r[1].toString())
+            << bytes(r[0]).constData();
+    for (const QJsonValue r : rows["charsetOf"].toArray())
+        EXPECT_EQ(MailDisplayText::charsetOf(bytes(r[0])), bytes(r[1])) << bytes(r[0]).constData();
+    for (const QJsonValue r : rows["decodeBody"].toArray())
+        EXPECT_EQ(MailDisplayText::decodeBody(bytes(r[0]), bytes(r[1])), r[2].toString())
+            << bytes(r[1]).constData();
 }
 
 } // namespace

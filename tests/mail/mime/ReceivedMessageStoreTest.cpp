@@ -1,6 +1,7 @@
 #include "MailStoreFixture.h"
 
 #include <QElapsedTimer>
+#include <optional>
 
 using namespace mirel;
 using namespace mirel::test;
@@ -27,137 +28,66 @@ QByteArray part(const QByteArray& type, const QByteArray& body, const QByteArray
 
 using ReceivedMessageStoreTest = ReceivedMailFixture;
 
-// The ordinary walks (alternatives, attachments, two text parts, the closed
-// third level) are checked against Python's reading of the generated corpus;
-// these are corners that corpus does not build.
-TEST_F(ReceivedMessageStoreTest, WalkKeepsFirstBodiesAndStoresTheRestAsAttachments) {
-    const struct {
-        const char* name;
-        QByteArray body; // everything after the common headers
-        QByteArray text;
-        std::vector<AttachmentRow> attachments;
-    } cases[] = {
-        {"an empty first text part leaves room for the next",
-         multipart("mixed", "b", {part("text/plain", ""), part("text/plain", "second")}),
-         "second",
-         {}},
-        {"encoding names are compared with case",
-         multipart(
-             "mixed", "b",
-             {part("application/pdf; name=\"raw.pdf\"", "JVBERi0xLjQK\r\n",
-                   "Content-Transfer-Encoding: Base64\r\n"),
-              part("text/plain", "caf=E9", "Content-Transfer-Encoding: Quoted-Printable\r\n")}),
-         "caf=E9",
-         {{"name=\"raw.pdf\"", "JVBERi0xLjQK\r\n"}}},
-        {"part without parameters",
-         multipart("mixed", "b", {part("application/octet-stream", "bytes")}),
-         {},
-         {{"", "bytes"}}},
-    };
-    int n = 0;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Rows r =
-            storeMail(kHead + "Message-ID: <case" + QByteArray::number(++n) + "@x>\r\n" + c.body);
-        EXPECT_EQ(r.message.text, c.text);
-        EXPECT_TRUE(r.message.html.isEmpty());
-        EXPECT_EQ(r.index.attachments, qint32(c.attachments.size()));
-        ASSERT_EQ(r.attachments.size(), c.attachments.size());
-        for (size_t i = 0; i < c.attachments.size(); ++i) {
-            EXPECT_EQ(r.attachments[i].filename, c.attachments[i].filename);
-            EXPECT_EQ(r.attachments[i].data, c.attachments[i].data);
-        }
-    }
-    EXPECT_TRUE(sink.shown.empty());
-}
-
-// Index texts of ordinary mail are compared with Python's reading in the
-// corpus test. Catches: the subject trimmed before it is cut, trailing
-// blanks of the date lost, the time stored taken from the message, folded
-// lines kept folded, Content-* lines moved, and an 8-bit body recoded.
+// Index texts and bodies of such mail are compared with Python's reading in
+// the corpus test. Catches: the time stored taken from the message, folded
+// lines kept folded, Content-* lines moved out of their place, and a
+// subject trimmed before it is cut.
 TEST_F(ReceivedMessageStoreTest, IndexFieldsAndHeaderLinesAreKeptAsReceived) {
-    const QByteArray raw = "Received: from relay\r\n\tby mx; Sun, 22 Nov 2026\r\n"
-                           "Content-Type: text/plain; charset=\"windows-1252\"\r\n"
-                           "Subject: " +
-                           QByteArray(" ") + QByteArray(254, 'x') +
-                           "   tail\r\n"
-                           "From:   \"D\xe9sir\xe9"
-                           "e\" <d@example.org>  \r\n"
-                           "Date: Sun, 22 Nov 2026 10:00:00 +0100  \r\n"
-                           "Content-Transfer-Encoding: 8bit\r\n"
-                           "\r\n"
-                           "Body in cp1252: \x93"
-                           "quoted\x94\r\n";
-    const Rows r = storeMail(raw);
+    const QByteArray subject = "Subject:  " + QByteArray(254, 'x') + "   tail\r\n";
+    const QByteArray head = "Received: from relay\r\n\tby mx; Sun, 22 Nov 2026\r\n"
+                            "Content-Type: text/plain; charset=\"windows-1252\"\r\n" +
+                            subject + "Date: Sun, 22 Nov 2026 10:00:00 +0100  \r\n";
+    const Rows r = storeMail(head + "\r\nbody\r\n");
     EXPECT_EQ(r.index.subject, QByteArray(254, 'x')); // cut to 255, then trimmed
-    EXPECT_EQ(r.index.date, QByteArray("Sun, 22 Nov 2026 10:00:00 +0100  "));
     EXPECT_EQ(r.index.realDate, clock.now());
-    EXPECT_EQ(r.message.text, QByteArray("Body in cp1252: \x93"
-                                         "quoted\x94\r\n"));
-    // In the order written, Content-* lines among the others, folds joined.
-    const QList<QByteArray> lines = r.message.headers.split('\n');
-    ASSERT_EQ(lines.size(), 7);
-    EXPECT_EQ(lines[0], "Received: from relay\tby mx; Sun, 22 Nov 2026\r");
-    EXPECT_TRUE(lines[1].startsWith("Content-Type: text/plain"));
-    EXPECT_TRUE(lines[2].startsWith("Subject: "));
-    EXPECT_EQ(lines[5], "Content-Transfer-Encoding: 8bit\r");
-    EXPECT_TRUE(r.message.headers.endsWith("\r\n"));
+    EXPECT_EQ(r.message.headers, "Received: from relay\tby mx; Sun, 22 Nov 2026\r\n"
+                                 "Content-Type: text/plain; charset=\"windows-1252\"\r\n" +
+                                     subject + "Date: Sun, 22 Nov 2026 10:00:00 +0100  \r\n");
 }
 
 // Catches mail without an ID keyed on its opening only. (Mail fetched again
 // stored twice is the send/receive runner's test against dovecot.)
 TEST_F(ReceivedMessageStoreTest, MailWithoutAnIdIsKeyedOnItsWholeBody) {
-    EXPECT_TRUE(received.StoreReceivedMessage(kHead + "\r\nHello Ann,\r\n\r\none", "0"));
-    EXPECT_TRUE(received.StoreReceivedMessage(kHead + "\r\nHello Ann,\r\n\r\ntwo", "0"));
-    EXPECT_FALSE(received.StoreReceivedMessage(kHead + "\r\nHello Ann,\r\n\r\ntwo", "0"));
+    const QByteArray opening = kHead + "\r\nHello Ann,\r\n" + QByteArray(4096, '.');
+    EXPECT_TRUE(received.StoreReceivedMessage(opening + "one", "0"));
+    EXPECT_TRUE(received.StoreReceivedMessage(opening + "two", "0"));
+    EXPECT_FALSE(received.StoreReceivedMessage(opening + "two", "0"));
 }
 
 // Catches a crash, a stack overflow or a quadratic walk on broken or hostile
 // structure, and a message lost instead of stored as far as it goes.
 TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
-    QByteArray deep = part("text/plain", "bottom");
-    for (int i = 0; i < 50; ++i)
-        deep = multipart("mixed", "d" + QByteArray::number(i), {deep});
-    // Thousands of levels, none of them closed.
-    QByteArray abyss = kHead + "Content-Type: multipart/mixed; boundary=\"b0\"\r\n\r\n";
-    for (int i = 1; i < 5000; ++i)
-        abyss += "--b" + QByteArray::number(i - 1) +
-                 "\r\nContent-Type: multipart/mixed; boundary=\"b" + QByteArray::number(i) +
-                 "\"\r\n\r\n";
-    abyss += "--b4999\r\nContent-Type: text/plain\r\n\r\nbottom\r\n";
-    QByteArray nul = kHead + "\r\nbefore";
-    nul += '\0';
-    nul += "after\r\n";
-    const QByteArray open = multipart("mixed", "never", {part("text/plain", "unclosed")}, false);
-
+    auto nested = [](int levels, bool closed) {
+        QByteArray m = part("text/plain", "bottom");
+        for (int i = 0; i < levels; ++i)
+            m = multipart("mixed", "b" + QByteArray::number(i), {m}, closed);
+        return kHead + m;
+    };
+    const QByteArray truncated = multipart(
+        "mixed", "t",
+        {part("application/pdf", "JVBERi0xLj", "Content-Transfer-Encoding: base64\r\n")}, false);
     const struct {
         const char* name;
         QByteArray raw;
-        QByteArray text;
+        std::optional<QByteArray> text; // none: whatever the letters among garbage make
         int attachments;
     } cases[] = {
         {"empty message", {}, {}, 0},
         {"not MIME at all", "just some words\nwithout headers\n",
          "just some words\nwithout headers\n", 0},
         {"headers only", kHead, {}, 0},
-        {"truncated in a base64 part",
-         kHead + multipart("mixed", "t",
-                           {part("application/pdf", "JVBERi0xLj",
-                                 "Content-Transfer-Encoding: base64\r\n")},
-                           false)
-                     .chopped(4),
-         {},
-         1},
-        {"boundary never closes", kHead + open, "unclosed\r\n", 0},
-        {"fifty levels of parts", kHead + deep, {}, 1},
-        {"five thousand open levels", abyss, {}, 1},
-        {"NUL bytes in the body", nul, QByteArray("before\0after\r\n", 14), 0},
+        {"truncated in a base64 part", kHead + truncated.chopped(4), {}, 1},
+        {"boundary never closes",
+         kHead + multipart("mixed", "never", {part("text/plain", "unclosed")}, false),
+         "unclosed\r\n", 0},
+        {"fifty levels of parts", nested(50, true), {}, 1},
+        {"five thousand open levels", nested(5000, false), {}, 1},
+        {"NUL bytes in the body", kHead + "\r\nbefore" + QByteArray("\0after\r\n", 8),
+         QByteArray("before\0after\r\n", 14), 0},
         {"base64 garbage",
-         kHead + part("text/plain", "!!!*** not base64 at all ***",
-                      "Content-Transfer-Encoding: base64\r\n"),
-         {},
-         0}, // whatever the letters among the garbage make
-
+         kHead +
+             part("text/plain", "!!!*** not base64 ***", "Content-Transfer-Encoding: base64\r\n"),
+         std::nullopt, 0},
         {"one-megabyte header line",
          "X-Long: " + QByteArray(1 << 20, 'h') + "\r\n" + kHead + "\r\nshort\r\n", "short\r\n", 0},
     };
@@ -168,9 +98,8 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
         forgetReceived();
         const Rows r = storeMail(c.raw);
         EXPECT_LT(timer.elapsed(), 5000);
-        if (QByteArrayView(c.name) != "base64 garbage") {
-            EXPECT_EQ(r.message.text, c.text);
-        }
+        if (c.text)
+            EXPECT_EQ(r.message.text, *c.text);
         EXPECT_EQ(r.index.attachments, c.attachments);
         EXPECT_EQ(qint32(r.attachments.size()), c.attachments);
     }

@@ -1,17 +1,11 @@
 #!/usr/bin/python3
-"""What Python's own parser reads from the mail of the received-mail tests.
-
-  mail_corpus.py summary FILE…  prints one JSON summary per file: the rows the
-                                storing rules should produce, as Python sees them
-
-The messages in tests/data/mail/generated were built once with the email
-package, one shape of mail each (a BinHex part carries the sha256 of its data
-fork in X-Data-Sha256).
-
-The summary follows the storing rules with Python's parser: a walk two levels
-deep, the first text/plain and first text/html as bodies, every other part an
-attachment; a part is decoded only when its transfer encoding is written
-exactly as one of the four names. Sizes and sha256 are of the bytes.
+"""mail_corpus.py summary FILE...: one JSON summary per file of the rows the
+storing rules should produce, as Python's own parser reads the message: a walk
+two levels deep, the first text/plain and first text/html as bodies, every
+other part an attachment, decoded only when its transfer encoding is written
+exactly as one of the four names; sha256 of the bytes. The messages in
+tests/data/mail/generated were built once with the email package, one shape of
+mail each (a BinHex part carries the sha256 of its data fork in X-Data-Sha256).
 """
 import email
 import email.header
@@ -91,29 +85,21 @@ def summarize(path):
         "date": raw_value(msg, "Date").decode("latin-1"),
         "headers": len(msg.keys()),
     }
-    text = html = None
+    bodies = {}  # the first non-empty text/plain and text/html
     atts = []
 
     def store_part(part):
-        nonlocal text, html
         content = content_of(part)
         kind = (part.get_content_maintype(), part.get_content_subtype())
         if part.get_content_disposition() == "attachment" or part.get_filename():
             kind = ("file",) + kind  # a named or attached text part is a file
-        if kind == ("text", "plain"):
-            if not text:
-                text = content if content is not None else b""
+        if kind in (("text", "plain"), ("text", "html")):
+            if not bodies.get(kind):
+                bodies[kind] = content or b""
             return
-        if kind == ("text", "html"):
-            if not html:
-                html = content if content is not None else b""
-            return
-        entry = {"filename": stored_name(part).decode("latin-1"), "type": "/".join(kind[-2:])}
-        if isinstance(content, tuple):
-            entry["sha256"] = content[1]
-        elif content is not None:
-            entry["sha256"] = sha(content)
-            entry["size"] = len(content)
+        entry = {"filename": stored_name(part).decode("latin-1")}
+        if content is not None:
+            entry["sha256"] = content[1] if isinstance(content, tuple) else sha(content)
         atts.append(entry)
 
     def opens(part):
@@ -129,10 +115,8 @@ def summarize(path):
                 store_part(part)
     else:
         store_part(msg)
-    out["text_sha256"] = sha(text or b"")
-    out["text_size"] = len(text or b"")
-    out["html_sha256"] = sha(html or b"")
-    out["html_size"] = len(html or b"")
+    out["text_sha256"] = sha(bodies.get(("text", "plain"), b""))
+    out["html_sha256"] = sha(bodies.get(("text", "html"), b""))
     out["attachments"] = atts
     return out
 

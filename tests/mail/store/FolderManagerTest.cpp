@@ -18,16 +18,16 @@ namespace {
 
 struct MailFolders : MailStoreFixture {
     FolderManager folders{store, sink};
-    QList<QByteArray> lines;
 
     QString mail() const { return root("Email/"); }
-    void add(QByteArrayView folder, QByteArray subject, int attachments) {
-        std::vector<AttachmentRow> atts(size_t(attachments), {"name=\"a.bin\"", subject});
-        store.createMessage(folder, NewIndexFields{subject, {}, {}, {}}, {}, atts);
-        clock.advanceSeconds(1);
-        lines.clear();
+    // The folder's list lines after one more message, newest first.
+    QList<QByteArray> add(QByteArrayView folder, QByteArray subject, int attachments) {
+        addMessage(folder, subject,
+                   std::vector<AttachmentRow>(size_t(attachments), {"a", subject}));
+        QList<QByteArray> lines;
         for (const IndexRow& r : store.FillMessageIndexList(folder))
             lines.append(r.listLine());
+        return lines;
     }
 };
 
@@ -81,13 +81,15 @@ TEST_F(MailFolders, RenameAndDeleteTouchOnlyTheirFolder) {
     EXPECT_TRUE(QFileInfo::exists(dir.file("outside/data.mdb")));
 }
 
-// Catches: a walk that skips the row after a removed one, rows left for
-// messages that moved, and a delete in the deleted folder that only moves.
-TEST_F(MailFolders, SelectedMessagesMoveAndDelete) {
+// Deleting (into "Deleted", then for good) is the folder screen's and the
+// whole-program test's. Catches: rows walked in the order they were chosen
+// (a row after a moved one is skipped), attachments left behind, and a walk
+// that goes on past a target it cannot write to.
+TEST_F(MailFolders, SelectedMessagesMoveInListOrderAndStopAtABrokenTarget) {
+    QList<QByteArray> inbox;
     for (int i = 0; i < 4; ++i)
-        add("0", "m" + QByteArray::number(i), i % 2 + 1);
+        inbox = add("0", "m" + QByteArray::number(i), i % 2 + 1); // newest first: m3 m2 m1 m0
     folders.create("Work");
-    QList<QByteArray> inbox = lines; // newest first: m3 m2 m1 m0
     EXPECT_EQ(SelectedMessages(store, "", inbox).move({2, 0, 1}, "Work"), (QList<int>{0, 1, 2}));
     ASSERT_EQ(inbox.size(), 1);
     EXPECT_TRUE(inbox[0].startsWith("1\t"));
@@ -96,21 +98,11 @@ TEST_F(MailFolders, SelectedMessagesMoveAndDelete) {
     for (const IndexRow& r : work)
         EXPECT_EQ(store.readAttachments("Work", r.id).size(), size_t(r.attachments));
 
-    add("Work", "x", 0);
-    EXPECT_EQ(SelectedMessages(store, "Work", lines).remove({0, 3}), (QList<int>{0, 3}));
-    EXPECT_EQ(store.FillMessageIndexList("3").size(), 2u);
-    EXPECT_EQ(SelectedMessages::deleteQuestion(2), "Are you sure to delete 2 Message(s)?");
-
-    add("3", "y", 0);
-    EXPECT_EQ(SelectedMessages(store, "3", lines).remove({0, 1, 2}).size(), 3u);
-    EXPECT_TRUE(store.FillMessageIndexList("3").empty());
-
-    // A broken target: the walk stops at once, reported, its row kept.
     QFile::remove(mail() + "Work/attachments.mdb");
-    QList<QByteArray> rest = {store.FillMessageIndexList("0").front().listLine(), "2\t0\t0"};
+    inbox.append("2\t0\t0");
     sink.shown.clear();
-    EXPECT_TRUE(SelectedMessages(store, "0", rest).move({0, 1}, "Work").isEmpty());
-    EXPECT_EQ(rest.size(), 2);
+    EXPECT_TRUE(SelectedMessages(store, "0", inbox).move({0, 1}, "Work").isEmpty());
+    EXPECT_EQ(inbox.size(), 2);
     EXPECT_EQ(sink.shown.size(), 1u);
 }
 
@@ -127,9 +119,7 @@ TEST_F(MailFolders, AttachmentFiles) {
     EXPECT_EQ(AttachmentFile::saveFilter("photo.jpg"), "Selected files (*.jpg);;All files (*.*)");
     EXPECT_EQ(AttachmentFile::saveFilter(".profile"), "Selected files (*.*);;All files (*.*)");
 
-    QByteArray data(25000, '\0');
-    for (int i = 0; i < data.size(); ++i)
-        data[i] = char(i * 7);
+    const QByteArray data = QByteArray("\0\x07\xFF", 3).repeated(8400);
     writeAll(dir.file("out.bin"), QByteArray(40000, 'x'));
     int pieces = 0;
     EXPECT_TRUE(
