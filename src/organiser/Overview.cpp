@@ -42,7 +42,7 @@ void Overview::refresh(const OverviewTexts& texts, const AgendaLists& agenda, So
     qsizetype count = 0;
     for (const ListEntry& e : agenda.lstAgenda.entries()) {
         if (e.text.contains(kFieldSep)) {
-            rows.add("    " + entryOccurrenceText(e.text),
+            rows.add(entryOccurrenceText(e.text, "    "),
                      ("1" + QByteArray::number(e.itemData)).toInt());
             ++count;
         } else if (!e.text.isEmpty()) {
