@@ -17,8 +17,11 @@ SqliteDb::SqliteDb(const QString& path, int busyTimeoutMs) : m_path(path) {
     if (!QFileInfo::exists(path))
         throw SqliteError(path, QStringLiteral("the file does not exist"));
     try {
+        // A connection lives for one operation on one thread, so SQLite need
+        // not lock it on every call (three calls per value read).
         m_db = std::make_unique<SQLite::Database>(QFile::encodeName(path).toStdString(),
-                                                  SQLite::OPEN_READWRITE, busyTimeoutMs);
+                                                  SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX,
+                                                  busyTimeoutMs);
     } catch (const std::exception& e) {
         fail(e);
     }
