@@ -3,6 +3,7 @@
 #include "organiser/SortedList.h"
 #include "settings/CommaList.h"
 
+#include <charconv>
 #include <cstring>
 
 namespace mirel {
@@ -86,7 +87,7 @@ QByteArray occurrenceText(const AgendaItem& item) {
 
 namespace mirel {
 
-QByteArray entryOccurrenceText(QByteArrayView entry) {
+QByteArray entryOccurrenceText(QByteArrayView entry, QByteArrayView indent) {
     QByteArrayView f[5]; // start, end, text, kind, priority
     for (qsizetype k = 0, pos = 0; k < 5 && pos <= entry.size(); ++k) {
         const void* sep = std::memchr(entry.data() + pos, kFieldSep, size_t(entry.size() - pos));
@@ -100,12 +101,12 @@ QByteArray entryOccurrenceText(QByteArrayView entry) {
     const void* cr = std::memchr(f[2].data(), '\r', size_t(f[2].size()));
     const QByteArrayView firstLine =
         cr ? f[2].first(static_cast<const char*>(cr) - f[2].data()) : f[2];
-    QByteArray out;
-    out.reserve(24 + firstLine.size());
-    out.append(mid(f[0], 8, 2)).append(':').append(mid(f[0], 10, 2)).append('-');
-    out.append(mid(f[1], 8, 2)).append(':').append(mid(f[1], 10, 2)).append(' ');
-    out.append(QByteArray::number(int(leadingNumber(f[4])))).append("   ").append(firstLine);
-    return out;
+    char priority[24];
+    const auto [priorityEnd, ec] =
+        std::to_chars(priority, priority + sizeof priority, int(leadingNumber(f[4])));
+    return joined({indent, mid(f[0], 8, 2), ":", mid(f[0], 10, 2), "-", mid(f[1], 8, 2), ":",
+                   mid(f[1], 10, 2), " ", QByteArrayView(priority, priorityEnd - priority), "   ",
+                   firstLine});
 }
 
 } // namespace mirel

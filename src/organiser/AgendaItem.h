@@ -43,7 +43,7 @@ QByteArray dayHeader(const QByteArray& entry);
 /// "HH:NN-HH:NN P   first line" as the agenda and overview rows show an item.
 QByteArray occurrenceText(const AgendaItem& item);
 /// occurrenceText(AgendaItem::parse(entry)), read straight from the entry:
-/// for lists that show thousands of rows.
-QByteArray entryOccurrenceText(QByteArrayView entry);
+/// for lists that show thousands of rows; indent goes in front.
+QByteArray entryOccurrenceText(QByteArrayView entry, QByteArrayView indent = {});
 
 } // namespace mirel

@@ -104,19 +104,30 @@ void AgendaStore::load(AgendaLists& lists) const {
             continue;
         }
         const std::array<bool, 7> weekdays = weekdayFlags(e.text);
-        for (int i = 0; i < 7; ++i) // Monday is 2 … Saturday 7, Sunday 1
+        for (int i = 0; i < 7; ++i) { // Monday is 2 … Saturday 7, Sunday 1
+            const char day[] = {char('0' + (i == 6 ? 1 : i + 2)), kFieldSep};
             if (weekdays[i])
-                weekly.append(
-                    {QByteArray::number(i == 6 ? 1 : i + 2) + kFieldSep + e.text, e.itemData});
+                weekly.append({joined({QByteArrayView(day, 2), e.text}), e.itemData});
+        }
     }
     lists.lstWeekly.clear();
     lists.lstWeekly.addAll(weekly);
 
     const int w = today.dayOfWeek() % 7 + 1; // Sunday = 1
+    std::array<QByteArray, 7> dates;         // of the coming week, by days from today
+    for (int k = 0; k < 7; ++k)
+        dates[k] = dateDigits(today.addDays(k));
+    const auto mid = [](const QByteArray& v, qsizetype from, qsizetype len = -1) {
+        return from >= v.size() ? QByteArrayView()
+                                : QByteArrayView(v).sliced(from).first(
+                                      len < 0 ? v.size() - from : std::min(len, v.size() - from));
+    };
     for (const ListEntry& e : lists.lstWeekly.entries()) {
         const int d = int(leadingNumber(e.text));
-        const QByteArray date = dateDigits(today.addDays((d - w + 7) % 7));
-        sorted.append({date + e.text.mid(10, 4) + kFieldSep + date + e.text.mid(23), e.itemData});
+        const QByteArray& date = dates[(d - w + 7) % 7];
+        sorted.append({joined({date, mid(e.text, 10, 4), QByteArrayView(&kFieldSep, 1), date,
+                               mid(e.text, 23)}),
+                       e.itemData});
     }
     lists.lstAgSorted.clear();
     lists.lstAgSorted.addAll(sorted);
@@ -168,7 +179,7 @@ void AgendaStore::showList(const AgendaLists& lists, View view, SortedList& lstS
         if (date != previousDate)
             rows.add(dayHeader(e.text), -1);
         previousDate = date;
-        rows.add("    " + entryOccurrenceText(e.text), e.itemData);
+        rows.add(entryOccurrenceText(e.text, "    "), e.itemData);
     }
 }
 

@@ -8,12 +8,27 @@
 
 #include <QDir>
 
+#include <limits>
+
 namespace mirel {
 namespace {
 
 // Sets the header row at `at` to its caption followed by "(count)".
 void closeSection(SortedList& rows, qsizetype at, qsizetype count) {
     rows.setText(at, rows.text(at) + '(' + QByteArray::number(count) + ')');
+}
+
+// The code of a row: the section's digit followed by the row's number, read
+// as one number; 0 when that does not read as an int (a negative number, or
+// one too long), as reading the joined digits would give.
+int rowCode(int section, qint64 n) {
+    if (n < 0)
+        return 0;
+    qint64 scale = 10;
+    while (scale <= n)
+        scale *= 10;
+    const qint64 code = section * scale + n;
+    return code > std::numeric_limits<int>::max() ? 0 : int(code);
 }
 
 } // namespace
@@ -42,8 +57,7 @@ void Overview::refresh(const OverviewTexts& texts, const AgendaLists& agenda, So
     qsizetype count = 0;
     for (const ListEntry& e : agenda.lstAgenda.entries()) {
         if (e.text.contains(kFieldSep)) {
-            rows.add("    " + entryOccurrenceText(e.text),
-                     ("1" + QByteArray::number(e.itemData)).toInt());
+            rows.add(entryOccurrenceText(e.text, "    "), rowCode(1, e.itemData));
             ++count;
         } else if (!e.text.isEmpty()) {
             rows.add("  " + e.text, 1);
@@ -91,12 +105,19 @@ void Overview::refresh(const OverviewTexts& texts, const AgendaLists& agenda, So
     for (const QString& f : TextFile::listFolder(dir)) {
         const auto lines = TextFile::readHead(dir + QLatin1Char('/') + f, 2);
         if (lines && lines->value(0) == "0")
-            open.append({lines->value(0) + lines->value(1) + kFieldSep + f.toLocal8Bit(), 0});
+            open.append({joined({lines->value(0), lines->value(1), QByteArrayView(&kFieldSep, 1),
+                                 f.toLocal8Bit()}),
+                         0});
     }
     lstSorted2.addAll(open);
-    for (qsizetype k = 0; k < lstSorted2.size(); ++k)
-        rows.add("  " + beforeSep(lstSorted2.text(k)).mid(1),
-                 ("7" + QByteArray::number(k)).toInt());
+    for (qsizetype k = 0; k < lstSorted2.size(); ++k) {
+        // The task's first line, without the leading "0" of an open task.
+        const QByteArray& entry = lstSorted2.entries()[k].text;
+        const qsizetype sep = entry.indexOf(kFieldSep);
+        const QByteArrayView head = QByteArrayView(entry).first(sep < 0 ? entry.size() : sep);
+        rows.add(joined({"  ", head.size() > 1 ? head.sliced(1) : QByteArrayView()}),
+                 rowCode(7, k));
+    }
     closeSection(rows, header, lstSorted2.size());
 }
 

@@ -25,7 +25,11 @@ void SortedList::addAll(QList<ListEntry> entries) {
                          [](const ListEntry& a, const ListEntry& b) {
                              return compareNoCase(a.text, b.text) < 0;
                          });
-    if (m_entries.isEmpty() || !m_sorted) {
+    if (m_entries.isEmpty()) {
+        m_entries = std::move(entries);
+        return;
+    }
+    if (!m_sorted) {
         m_entries.append(entries);
         return;
     }
@@ -54,6 +58,17 @@ QByteArray beforeSep(const QByteArray& entry) {
 QByteArray afterSep(const QByteArray& entry) {
     const qsizetype p = entry.indexOf(kFieldSep);
     return p < 0 ? QByteArray() : entry.mid(p + 1);
+}
+
+QByteArray joined(std::initializer_list<QByteArrayView> pieces) {
+    qsizetype size = 0;
+    for (const QByteArrayView p : pieces)
+        size += p.size();
+    QByteArray out(size, Qt::Uninitialized);
+    char* o = out.data();
+    for (const QByteArrayView p : pieces)
+        o = std::copy(p.begin(), p.end(), o);
+    return out;
 }
 
 } // namespace mirel

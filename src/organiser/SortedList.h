@@ -6,6 +6,8 @@
 #include <QByteArray>
 #include <QList>
 
+#include <initializer_list>
+
 namespace mirel {
 
 /// One row of a working or visible list.
@@ -47,5 +49,8 @@ inline constexpr char kFieldSep = '\x01';
 /// The part before / after the first field separator.
 QByteArray beforeSep(const QByteArray& entry);
 QByteArray afterSep(const QByteArray& entry);
+/// The pieces one after another, in one allocation: for building the
+/// thousands of entries of a working list.
+QByteArray joined(std::initializer_list<QByteArrayView> pieces);
 
 } // namespace mirel

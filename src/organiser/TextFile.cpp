@@ -5,9 +5,13 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <cerrno>
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace mirel {
 namespace {
@@ -108,7 +112,39 @@ QByteArray TextFile::joinLines(const QList<QByteArray>& lines) {
 }
 
 QStringList TextFile::listFolder(const QString& folder) {
-    return QDir(folder).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
+    // Read straight from the directory: each name comes with its type, so
+    // only links need a look at what they point to. Folders of a thousand
+    // items are listed on every refresh.
+    DIR* dir = ::opendir(QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder));
+    if (!dir)
+        return {};
+    struct Named {
+        QString key; // lower case: the order ignores case
+        QString name;
+    };
+    std::vector<Named> files;
+    while (const dirent* e = ::readdir(dir)) {
+        if (e->d_name[0] == '.') // hidden, and the folder itself and its parent
+            continue;
+        bool regular = e->d_type == DT_REG;
+        if (e->d_type == DT_LNK || e->d_type == DT_UNKNOWN) {
+            struct stat st;
+            regular = ::fstatat(::dirfd(dir), e->d_name, &st, 0) == 0 && S_ISREG(st.st_mode);
+        }
+        if (regular) {
+            QString name = QFile::decodeName(e->d_name);
+            files.push_back({name.toLower(), std::move(name)});
+        }
+    }
+    ::closedir(dir);
+    std::sort(files.begin(), files.end(), [](const Named& a, const Named& b) {
+        return a.key != b.key ? a.key < b.key : a.name < b.name;
+    });
+    QStringList names;
+    names.reserve(qsizetype(files.size()));
+    for (Named& f : files)
+        names.append(std::move(f.name));
+    return names;
 }
 
 } // namespace mirel

@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace mirel {
 namespace {
@@ -41,8 +43,18 @@ bool equalsNoCase(QByteArrayView a, QByteArrayView b) {
 
 int compareNoCase(QByteArrayView a, QByteArrayView b) {
     const qsizetype n = std::min(a.size(), b.size());
-    for (qsizetype i = 0; i < n; ++i) {
-        if (a[i] == b[i]) // sorted lists compare long equal prefixes
+    qsizetype i = 0;
+    // Sorted lists compare long equal prefixes (dates, times): those are
+    // passed eight bytes at a time.
+    for (; i + 8 <= n; i += 8) {
+        uint64_t x, y;
+        std::memcpy(&x, a.data() + i, 8);
+        std::memcpy(&y, b.data() + i, 8);
+        if (x != y)
+            break;
+    }
+    for (; i < n; ++i) {
+        if (a[i] == b[i])
             continue;
         const int d = int(kFold[static_cast<unsigned char>(a[i])]) -
                       int(kFold[static_cast<unsigned char>(b[i])]);

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <SQLiteCpp/Transaction.h>
 #include <limits>
+#include <sqlite3.h>
 #include <stdexcept>
 #include <string>
 
@@ -16,8 +17,11 @@ SqliteDb::SqliteDb(const QString& path, int busyTimeoutMs) : m_path(path) {
     if (!QFileInfo::exists(path))
         throw SqliteError(path, QStringLiteral("the file does not exist"));
     try {
+        // A connection lives for one operation on one thread, so SQLite need
+        // not lock it on every call (three calls per value read).
         m_db = std::make_unique<SQLite::Database>(QFile::encodeName(path).toStdString(),
-                                                  SQLite::OPEN_READWRITE, busyTimeoutMs);
+                                                  SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX,
+                                                  busyTimeoutMs);
     } catch (const std::exception& e) {
         fail(e);
     }
@@ -68,6 +72,41 @@ QByteArray SqliteDb::columnBytes(SQLite::Statement& st, int index) {
     // reads back as its bytes.
     const void* blob = c.getBlob();
     return QByteArray(static_cast<const char*>(blob), c.getBytes());
+}
+
+SqliteRows::SqliteRows(SQLite::Database& db, const std::string& sql) : m_db(db.getHandle()) {
+    if (const int rc = sqlite3_prepare_v2(m_db, sql.c_str(), int(sql.size()), &m_st, nullptr);
+        rc != SQLITE_OK)
+        throw SQLite::Exception(m_db, rc);
+}
+
+SqliteRows::~SqliteRows() {
+    sqlite3_finalize(m_st);
+}
+
+bool SqliteRows::next() {
+    const int rc = sqlite3_step(m_st);
+    if (rc == SQLITE_ROW)
+        return true;
+    if (rc == SQLITE_DONE)
+        return false;
+    throw SQLite::Exception(m_db, rc);
+}
+
+int SqliteRows::columnCount() const {
+    return sqlite3_column_count(m_st);
+}
+
+int SqliteRows::integer(int column) const {
+    return sqlite3_column_int(m_st, column);
+}
+
+QByteArray SqliteRows::bytes(int column) const {
+    if (sqlite3_column_type(m_st, column) == SQLITE_NULL)
+        return {};
+    // The pointer first, then the size, as SQLite asks.
+    const void* blob = sqlite3_column_blob(m_st, column);
+    return QByteArray(static_cast<const char*>(blob), sqlite3_column_bytes(m_st, column));
 }
 
 void SqliteDb::fail(const std::exception& e) const {

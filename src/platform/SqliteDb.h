@@ -15,22 +15,45 @@ namespace mirel {
 
 /// A database failure, with the file it happened on.
 class SqliteError : public std::runtime_error {
-  public:
+public:
     SqliteError(QString file, QString reason)
         : std::runtime_error((file + QStringLiteral(": ") + reason).toStdString()),
           m_file(std::move(file)), m_reason(std::move(reason)) {}
     const QString& file() const { return m_file; }
     const QString& reason() const { return m_reason; }
 
-  private:
+private:
     QString m_file;
     QString m_reason;
+};
+
+/// A query read row by row through SQLite's C interface, for lists of
+/// thousands of rows where a column object per value shows. Values read as
+/// SqliteDb::columnBytes and Column::getInt read them; failures throw the
+/// same SQLite::Exception a Statement throws.
+class SqliteRows {
+public:
+    SqliteRows(SQLite::Database& db, const std::string& sql);
+    ~SqliteRows();
+    SqliteRows(const SqliteRows&) = delete;
+    SqliteRows& operator=(const SqliteRows&) = delete;
+
+    /// Steps to the next row; false after the last.
+    bool next();
+    int columnCount() const;
+    int integer(int column) const;
+    /// Raw bytes whatever the stored type; NULL reads as empty.
+    QByteArray bytes(int column) const;
+
+private:
+    sqlite3* m_db;
+    sqlite3_stmt* m_st = nullptr;
 };
 
 /// One open connection to an existing database file, for the length of one
 /// operation. Byte strings go in and come out as BLOBs, unchanged.
 class SqliteDb {
-  public:
+public:
     /// Opens an existing file read-write; waits up to busyTimeoutMs for a
     /// lock held by another connection.
     SqliteDb(const QString& path, int busyTimeoutMs);
@@ -52,7 +75,7 @@ class SqliteDb {
 
     [[noreturn]] void fail(const std::exception& e) const;
 
-  private:
+private:
     QString m_path;
     std::unique_ptr<SQLite::Database> m_db;
 };

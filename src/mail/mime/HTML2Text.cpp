@@ -84,53 +84,58 @@ bool equalsLower(std::string_view text, std::string_view lower) {
     return true;
 }
 
-#if defined(__SSE2__)
-// Finds the places where the first three characters of a lower-case tag
-// name stand (any case for a letter), sixteen places at a time.
-class TagStarts {
-public:
-    explicit TagStarts(std::string_view lower) {
-        for (int k = 0; k < 3; ++k) {
-            const bool letter = lower[k] >= 'a' && lower[k] <= 'z';
-            m_fold[k] = _mm_set1_epi8(letter ? 0x20 : 0);
-            m_char[k] = _mm_set1_epi8(lower[k]);
-        }
-    }
-    // Bit k set where p[k..k+2] match; reads p[0..17].
-    unsigned at(const char* p) const {
-        __m128i all = match(p, 0);
-        all = _mm_and_si128(all, match(p, 1));
-        return unsigned(_mm_movemask_epi8(_mm_and_si128(all, match(p, 2))));
-    }
+// Whether "<bo" or "</b" (any case for a letter) stands at p: the start of
+// "<body" or "</body>", which alone decide where the text is.
+bool bodyTagStart(const char* p) {
+    return p[0] == '<' && ((lowerAscii(p[1]) == 'b' && lowerAscii(p[2]) == 'o') ||
+                           (p[1] == '/' && lowerAscii(p[2]) == 'b'));
+}
 
-private:
-    __m128i match(const char* p, int k) const {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + k));
-        return _mm_cmpeq_epi8(_mm_or_si128(v, m_fold[k]), m_char[k]);
-    }
-    __m128i m_fold[3], m_char[3];
-};
+#if defined(__SSE2__)
+// Bit k set where bodyTagStart(p + k) may hold; reads p[0..17].
+unsigned bodyTagStarts16(const char* p) {
+    auto load = [p](int k) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + k)); };
+    auto is = [](__m128i v, char c) { return _mm_cmpeq_epi8(v, _mm_set1_epi8(c)); };
+    const __m128i fold = _mm_set1_epi8(0x20);
+    const __m128i second = _mm_or_si128(load(1), fold), third = _mm_or_si128(load(2), fold);
+    const __m128i b = _mm_or_si128(_mm_and_si128(is(second, 'b'), is(third, 'o')),
+                                   _mm_and_si128(is(load(1), '/'), is(third, 'b')));
+    return unsigned(_mm_movemask_epi8(_mm_and_si128(is(load(0), '<'), b)));
+}
 #endif
 
-// First position at or after from where lower (lower-case ASCII, beginning
-// with '<' and at least three long) stands in text regardless of case; npos
-// when nowhere. HTML is full of '<', so the scan looks for the first three
-// characters together.
-size_t findLower(std::string_view text, size_t from, std::string_view lower) {
-    const size_t n = text.size();
-#if defined(__SSE2__)
-    const TagStarts starts(lower);
-    for (; from + 18 <= n; from += 16)
-        for (unsigned bits = starts.at(text.data() + from); bits; bits &= bits - 1) {
-            const size_t at = from + size_t(__builtin_ctz(bits));
-            if (equalsLower(text.substr(at, lower.size()), lower))
-                return at;
+// The text between "<body ...>" and "</body>", found in one pass over the
+// page: without a body tag, everything before the first "</body>" (or the
+// whole page); a body tag without its '>' keeps the tag's own text.
+std::string_view bodyText(std::string_view s) {
+    const size_t n = s.size();
+    size_t start = 0, firstEnd = n;
+    bool inBody = false;
+    // Answers whether the scan is over.
+    auto candidate = [&](size_t at) {
+        const std::string_view rest = s.substr(at);
+        if (!inBody && equalsLower(rest.substr(0, 5), "<body")) {
+            inBody = true;
+            const size_t gt = s.find('>', at);
+            start = gt == std::string_view::npos ? at : gt + 1;
+            return false;
         }
+        if (at < start || !equalsLower(rest.substr(0, 7), "</body>"))
+            return false;
+        firstEnd = std::min(firstEnd, at);
+        return inBody;
+    };
+    size_t at = 0;
+#if defined(__SSE2__)
+    for (; at + 18 <= n; at += 16)
+        for (unsigned bits = bodyTagStarts16(s.data() + at); bits; bits &= bits - 1)
+            if (const size_t k = at + size_t(__builtin_ctz(bits)); candidate(k))
+                return s.substr(start, k - start);
 #endif
-    for (; from < n; ++from)
-        if (text[from] == '<' && equalsLower(text.substr(from, lower.size()), lower))
-            return from;
-    return std::string_view::npos;
+    for (; at + 3 <= n; ++at)
+        if (bodyTagStart(s.data() + at) && candidate(at))
+            return s.substr(start, at - start);
+    return inBody ? s.substr(start) : s.substr(0, firstEnd);
 }
 
 // The first position of ch at or after from; end when there is none. Inline
@@ -210,15 +215,7 @@ private:
 QByteArray HTML2Text(QByteArrayView html) {
     std::string_view s(html.data(), size_t(html.size()));
 
-    if (const size_t body = findLower(s, 0, "<body"); body != std::string_view::npos) {
-        s.remove_prefix(body);
-        // A body tag that never closes keeps its text: the '<' is dropped by
-        // the scan below and the rest reads as words.
-        if (const size_t gt = s.find('>'); gt != std::string_view::npos)
-            s.remove_prefix(gt + 1);
-    }
-    if (const size_t end = findLower(s, 0, "</body>"); end != std::string_view::npos)
-        s = s.substr(0, end);
+    s = bodyText(s);
 
     // The longest piece per input byte is the blank line of "<p>": four
     // bytes for three, so this size (and sixteen for copyText) is never

@@ -67,17 +67,17 @@ QDateTime parseRealDate(const QByteArray& t) {
                      QTime(num(11, 2), num(14, 2), num(17, 2)));
 }
 
-IndexRow readIndex(SQLite::Statement& st) {
+IndexRow readIndex(const SqliteRows& st) {
     IndexRow r;
-    r.id = st.getColumn(0).getInt();
-    r.subject = SqliteDb::columnBytes(st, 1);
-    r.from = SqliteDb::columnBytes(st, 2);
-    r.date = SqliteDb::columnBytes(st, 3);
-    r.to = SqliteDb::columnBytes(st, 4);
-    r.attachments = st.getColumn(5).getInt();
-    r.readed = qint16(st.getColumn(6).getInt());
-    if (st.getColumnCount() > 7)
-        r.realDate = parseRealDate(SqliteDb::columnBytes(st, 7));
+    r.id = st.integer(0);
+    r.subject = st.bytes(1);
+    r.from = st.bytes(2);
+    r.date = st.bytes(3);
+    r.to = st.bytes(4);
+    r.attachments = st.integer(5);
+    r.readed = qint16(st.integer(6));
+    if (st.columnCount() > 7)
+        r.realDate = parseRealDate(st.bytes(7));
     return r;
 }
 
@@ -526,9 +526,14 @@ std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
         SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
         db.run(
             [&](SQLite::Database& d) {
-                SQLite::Statement st(d, std::string("SELECT ") + kListColumns +
-                                            R"( FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
-                while (st.executeStep())
+                // Counting is cheap (SQLite counts the table's pages, not its
+                // rows) and spares growing ten thousand rows step by step.
+                SqliteRows count(d, R"(SELECT count(*) FROM "Index")");
+                if (count.next())
+                    rows.reserve(size_t(std::max(0, count.integer(0))));
+                SqliteRows st(d, std::string("SELECT ") + kListColumns +
+                                     R"( FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
+                while (st.next())
                     rows.push_back(readIndex(st));
             },
             false);
@@ -558,10 +563,9 @@ std::optional<IndexRow> MailStore::readIndexRow(QByteArrayView folder, qint32 id
         SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
         db.run(
             [&](SQLite::Database& d) {
-                SQLite::Statement st(d, std::string("SELECT ") + kIndexColumns +
-                                            R"( FROM "Index" WHERE "ID" = ?)");
-                st.bind(1, id);
-                if (st.executeStep())
+                SqliteRows st(d, std::string("SELECT ") + kIndexColumns +
+                                     R"( FROM "Index" WHERE "ID" = )" + std::to_string(id));
+                if (st.next())
                     row = readIndex(st);
             },
             false);

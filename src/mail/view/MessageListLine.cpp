@@ -10,10 +10,11 @@ namespace {
 // Most headers are plain ASCII without encoded words; they read the same
 // without the decoder, which a folder of thousands of rows notices.
 QString shown(QByteArrayView value) {
-    for (char c : value)
-        if (uchar(c) >= 0x80)
+    const qsizetype n = value.size();
+    for (qsizetype i = 0; i < n; ++i)
+        if (uchar(value[i]) >= 0x80 || (value[i] == '=' && i + 1 < n && value[i + 1] == '?'))
             return MailDisplayText::decodeHeader(value);
-    return value.contains("=?") ? MailDisplayText::decodeHeader(value) : QString::fromLatin1(value);
+    return QString::fromLatin1(value);
 }
 
 // The name as a view into the address: the list shows it without keeping it.
