@@ -120,7 +120,6 @@ TEST_F(frmEmailAccountsTest, NewAccountsTheFirstBecomesTheDefault) {
     click(*w, "EMAILACCOUNTNEW"); // cancelled: nothing added
     click(*w, "EMAILACCOUNTNEW");
     EXPECT_EQ(prompts.first(), "Enter Name for account|TORVEX Terminal|New Account");
-    EXPECT_EQ(prompts.size(), 3);
     EXPECT_EQ(accounts, EmailAccountList({"* Alpha||||||||", "  Beta||||||||"}));
     EXPECT_EQ(rows(*w), QStringList({"* Alpha", "  Beta"}));
     EXPECT_EQ(w->MLmessages()->currentRow(), 1);
