@@ -16,7 +16,7 @@ namespace mirel::test {
 
 /// One dovecot POP3 server, started by start() and stopped by the destructor.
 class DovecotServer {
-public:
+  public:
     DovecotServer();
     ~DovecotServer();
 
@@ -36,7 +36,7 @@ public:
     /// The server's log so far (log-ins, errors).
     QByteArray log() const;
 
-private:
+  private:
     QString maildir(const QByteArray& user) const;
 
     QTemporaryDir m_dir;

@@ -12,7 +12,7 @@ namespace mirel::test {
 
 /// Scripted peer that drops the line or stops answering.
 class ScriptedServer {
-public:
+  public:
     enum class Ending { HangUp, Silence };
 
     /// greeting is sent on connect; replies[i] answers the client's i-th line.
@@ -22,7 +22,7 @@ public:
     /// What the client sent, line by line (read after the client is done).
     QList<QByteArray> received() const { return m_received; }
 
-private:
+  private:
     void serve();
 
     QByteArray m_greeting;
