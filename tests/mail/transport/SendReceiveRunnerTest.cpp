@@ -27,40 +27,25 @@ using namespace mirel::test;
 
 namespace {
 
-QByteArray record(const char* name, const QByteArray& pop3, const char* user, const char* password,
-                  bool deleteFlag, const QByteArray& smtp, const char* address, const char* sender,
-                  bool smtpLogin = false) {
-    return QByteArray("  ") + name + "|" + pop3 + "|" + user + "|" + password + "|" +
-           (deleteFlag ? "1|" : "0|") + (smtpLogin ? "1|" : "0|") + smtp + "|" + address + "|" +
-           sender + "|";
-}
-
 // Most runs use one account, Ann's.
 QByteArray ann(const QByteArray& pop3, const QByteArray& smtp, bool deleteFlag,
                const char* password = "pw", bool smtpLogin = false) {
-    return record("Ann", pop3, "ann", password, deleteFlag, smtp, "ann@x.org", "Ann", smtpLogin);
+    return "  Ann|" + pop3 + "|ann|" + password + (deleteFlag ? "|1|" : "|0|") +
+           (smtpLogin ? "1|" : "0|") + smtp + "|ann@x.org|Ann|";
 }
 
 QByteArray local(int port) {
     return "127.0.0.1:" + QByteArray::number(port);
 }
 
-QString header(const QJsonObject& msg, const char* name) {
-    for (const QJsonValue& h : msg[QStringLiteral("headers")].toArray()) {
-        const QJsonArray pair = h.toArray();
-        if (pair[0].toString().compare(QLatin1String(name), Qt::CaseInsensitive) == 0)
-            return pair[1].toString();
-    }
-    return {};
-}
-
-QJsonArray attachments(const QJsonObject& msg) {
-    return msg[QStringLiteral("attachments")].toArray();
-}
-
-QByteArray attachmentData(const QJsonObject& msg, int n = 0) {
-    return QByteArray::fromBase64(
-        attachments(msg)[n][QStringLiteral("data")].toString().toLatin1());
+// The attachments of a message the sink received, as name and bytes.
+using Files = QList<std::pair<QString, QByteArray>>;
+Files files(const QJsonObject& msg) {
+    Files out;
+    for (const QJsonValue a : msg[QStringLiteral("attachments")].toArray())
+        out.append(
+            {a["filename"].toString(), QByteArray::fromBase64(a["data"].toString().toLatin1())});
+    return out;
 }
 
 struct Outcome {
@@ -146,12 +131,13 @@ protected:
 };
 
 // Catches an account skipped, mail left on the server despite the delete
-// flag, a sent message left in the outbox or unread in Sent, a blind copy
-// visible, a quoted comma splitting a recipient, bytes changed on the way,
-// Windows-1252 text sent raw in a header or a file name, a stored header
-// lost or a stored Content-Type doubling ours, an empty attachment dropped,
-// no SMTP log-in where the account asks for one, and a password (plain or
-// base64) in the debug log.
+// flag, a sent message left in the outbox or unread in Sent, a quoted comma
+// splitting a recipient, bytes changed on the way, Windows-1252 text sent raw
+// in a header or a file name, a stored header lost or a stored Content-Type
+// doubling ours, an empty attachment dropped, no SMTP log-in where the
+// account asks for one, and a password (plain or base64) in the debug log.
+// (Hidden blind copies, the sender, copies and the HTML part are checked by
+// the whole-program mail test as the composer writes them.)
 TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
     pop.addUser("ann", "ann-pw");
     pop.addUser("bob", "bob-pw");
@@ -169,8 +155,8 @@ TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
                 {{"r\xE9sum\xE9.bin", binary}, {"empty.txt", {}}});
 
     const Outcome r = run({ann(local(pop.port()), local(smtp.port()), true, "ann-pw", true),
-                           record("Bob", local(pop.port()), "bob", "bob-pw", false,
-                                  local(smtp.port()), "bob@x.org", "Bob")});
+                           "  Bob|" + local(pop.port()) + "|bob|bob-pw|0|0|" + local(smtp.port()) +
+                               "|bob@x.org|Bob|"});
     ASSERT_TRUE(r.over);
     EXPECT_EQ(r.text(),
               QList<QByteArray>({"DS1: Signed in: UFCA-ANN", "DS1: Ready", "DS1: New message (1)",
@@ -191,24 +177,14 @@ TEST_F(SendReceiveRunnerTest, FetchesEveryAccountThenSendsTheOutbox) {
     ASSERT_EQ(got.size(), 1);
     const QJsonObject& m = got[0];
     EXPECT_EQ(m[QStringLiteral("login")].toString(), QStringLiteral("ann"));
-    EXPECT_EQ(header(m, "From"), QStringLiteral("Ann <ann@x.org>"));
-    EXPECT_EQ(header(m, "Subject"), QStringLiteral("Caf\u00e9 report"));
-    EXPECT_EQ(header(m, "Cc"), QStringLiteral("carl@x.org"));
-    EXPECT_EQ(header(m, "X-Mailer") + header(m, "X-Note"), QStringLiteral("Md\u00e9j\u00e0 vu"));
+    const QJsonValue headers = m[QStringLiteral("headers")]; // names in lower case
+    EXPECT_EQ(headers["x-mailer"].toString() + headers["x-note"].toString(), "Md\u00e9j\u00e0 vu");
     EXPECT_EQ(m[QStringLiteral("content_type")].toString(), QStringLiteral("multipart/mixed"));
-    EXPECT_FALSE(smtp.raw(1).contains("hidden@")) << "blind copy visible in the message";
     // The quoted comma became a space, so "Lee, Jo" stays one recipient.
     EXPECT_EQ(m[QStringLiteral("rcpt_tos")].toVariant().toStringList(),
               (QStringList{"bob@x.org", "jo@x.org", "carl@x.org", "hidden@x.org"}));
     EXPECT_EQ(m[QStringLiteral("text")].toString().trimmed(), QStringLiteral("Plain café"));
-    EXPECT_TRUE(m[QStringLiteral("html")].toString().contains(QStringLiteral("<b>café</b>")));
-    ASSERT_EQ(attachments(m).size(), 2);
-    EXPECT_EQ(attachments(m)[0][QStringLiteral("filename")].toString(),
-              QStringLiteral("résumé.bin"));
-    EXPECT_EQ(attachmentData(m), binary);
-    EXPECT_EQ(attachments(m)[1][QStringLiteral("filename")].toString(),
-              QStringLiteral("empty.txt"));
-    EXPECT_TRUE(attachmentData(m, 1).isEmpty());
+    EXPECT_EQ(files(m), (Files{{"r\u00e9sum\u00e9.bin", binary}, {"empty.txt", {}}}));
 
     const QByteArray log = readAll(debugLog.path());
     for (const QByteArray& secret :
@@ -309,30 +285,10 @@ TEST_F(SendReceiveRunnerTest, FaultsStopTheSessionWithAnErrorLine) {
     // The one message that came through whole was stored; its deletion was
     // never committed, so the server still has it for the next run.
     EXPECT_EQ(count(MailStore::kInbox), 1u);
-    QList<QByteArray> sentToDropped = dropped.received();
-    bool quit = false;
-    for (const QByteArray& l : sentToDropped)
-        quit = quit || l.startsWith("QUIT");
-    EXPECT_FALSE(quit);
+    // A QUIT would have had the server delete it.
+    EXPECT_FALSE(dropped.received().join().contains("QUIT"));
     // The scripted peers take USER and PASS: the password stays out of the log.
     EXPECT_FALSE(readAll(debugLog.path()).contains("nope"));
-}
-
-// "OK" while the server keeps the session waiting: closing aborts the
-// action instead of waiting for the time-out.
-TEST_F(SendReceiveRunnerTest, ClosingDuringAHangReturnsAtOnce) {
-    ScriptedServer silent("+OK ready\r\n", {}, ScriptedServer::Ending::Silence);
-    SendReceiveRunner runner(store, ini, clock,
-                             EmailAccountList({ann(local(silent.port()), "", true)}), texts);
-    runner.open();
-    QEventLoop loop;
-    QTimer::singleShot(500, &loop, &QEventLoop::quit);
-    loop.exec();
-    EXPECT_FALSE(runner.isOver());
-    QElapsedTimer t;
-    t.start();
-    runner.close();
-    EXPECT_LT(t.elapsed(), 3000);
 }
 
 // Catches a refused message moved to Sent, one that stops the rest, and one
@@ -351,7 +307,7 @@ TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
     ASSERT_EQ(left.size(), 1u);
     EXPECT_EQ(left[0].id, bad);
     EXPECT_EQ(smtp.messages().size(), 1);
-    EXPECT_EQ(header(smtp.messages()[0], "Subject"), QStringLiteral("good"));
+    EXPECT_EQ(smtp.messages()[0].value("headers")["subject"].toString(), "good");
 }
 
 // 30 MB comes in whole; going out, it is more than the test server takes
@@ -359,10 +315,8 @@ TEST_F(SendReceiveRunnerTest, ARefusedMessageStaysInTheOutbox) {
 // line, while 20 MB goes out byte for byte.
 TEST_F(SendReceiveRunnerTest, LargeMessagesInAndOutKeepTheLoopTurning) {
     pop.addUser("ann", "pw");
-    QByteArray big = "Subject: big\r\nContent-Type: text/plain\r\n\r\n";
-    const QByteArray line = QByteArray(76, 'x') + "\r\n";
-    while (big.size() < 30 * 1024 * 1024)
-        big += line;
+    const QByteArray big = "Subject: big\r\nContent-Type: text/plain\r\n\r\n" +
+                           (QByteArray(76, 'x') + "\r\n").repeated(405000); // 30 MiB
     pop.deliver("ann", big);
     ASSERT_TRUE(pop.start());
     ASSERT_TRUE(smtp.start({}));
@@ -387,8 +341,7 @@ TEST_F(SendReceiveRunnerTest, LargeMessagesInAndOutKeepTheLoopTurning) {
     ASSERT_EQ(left.size(), 1u);
     EXPECT_EQ(left[0].id, tooBig);
     ASSERT_EQ(smtp.messages().size(), 1) << r.text().constData();
-    ASSERT_EQ(attachments(smtp.messages()[0]).size(), 1);
-    EXPECT_EQ(attachmentData(smtp.messages()[0]), payload);
+    EXPECT_TRUE(files(smtp.messages()[0]) == (Files{{"big.bin", payload}}));
     // The network and the store ran while the loop kept serving its timer:
     // at least a tick per 100 ms of the run.
     EXPECT_GT(r.loopTurns, int(r.ms / 100)) << r.ms << " ms, " << r.loopTurns << " turns";
@@ -415,6 +368,8 @@ TEST_F(SendReceiveRunnerTest, TlsIsRequiredAndTrustIsAskedOnceAndKept) {
     const QByteArray server = local(pop.port());
     const QString trust = dir.file("servers.ini");
     ScriptedServer clear("+OK ready\r\n", {"+OK\r\nUSER\r\n.\r\n"}, ScriptedServer::Ending::HangUp);
+    const QByteArray noTls =
+        "DS1: 127.0.0.1 port " + QByteArray::number(clear.port()) + " offers no encryption";
 
     struct Step {
         const char* what;
@@ -424,12 +379,7 @@ TEST_F(SendReceiveRunnerTest, TlsIsRequiredAndTrustIsAskedOnceAndKept) {
         QString question; // "" = none asked
         QByteArray last;  // the last status line starts so
     } steps[] = {
-        {"no TLS offered, refused",
-         local(clear.port()),
-         false,
-         {},
-         "without encryption",
-         "DS1: 127.0.0.1 port " + QByteArray::number(clear.port()) + " offers no encryption"},
+        {"no TLS offered, refused", local(clear.port()), false, {}, "without encryption", noTls},
         {"self-signed, refused", server, false, {}, "does not trust", "DS1: The certificate of"},
         {"trusted through a CA: no question", server, false, cert.certFile, "", "DS1: Done"},
         {"self-signed, accepted", server, true, {}, "does not trust", "DS1: Done"},

@@ -50,7 +50,8 @@ QList<Mailbox> mailboxes(const QJsonValue& v) {
 }
 
 // Catches a field read from the wrong position of a short, long or hand-made
-// record, and the default mark or usability judged wrongly.
+// record, the default mark or usability judged wrongly, and check boxes read
+// from text instead of numbers (a file edited by hand may hold "2" or " 1").
 TEST(AccountRecord, FieldsOfEveryRecordShape) {
     for (const QJsonValue c : accountRows("records")) {
         const QByteArray record = bytes(c[1]);
@@ -59,20 +60,12 @@ TEST(AccountRecord, FieldsOfEveryRecordShape) {
         EXPECT_EQ(R::field(record, 40), "") << what(c[0]);
         EXPECT_EQ(R::isDefault(record), c[3].toBool()) << what(c[0]);
         EXPECT_EQ(R::isUsable(record), c[4].toBool()) << what(c[0]);
+        EXPECT_EQ(R::settings(record).deleteFromServer, c[5].toBool()) << what(c[0]);
+        EXPECT_EQ(R::settings(record).smtpLogin, c[6].toBool()) << what(c[0]);
     }
     EXPECT_EQ(R::name("* Work||||||||"), "Work");
     EXPECT_EQ(R::name("  Home|x|"), "Home");
     EXPECT_EQ(R::name("*"), "");
-}
-
-// Catches check boxes read from text instead of numbers (a file edited by
-// hand may hold "2" or " 1"; an empty field is unchecked). Editing and
-// marking records are the accounts window's test.
-TEST(AccountRecord, CheckBoxesTakeTheFieldsNumber) {
-    EXPECT_TRUE(R::settings("* W||||2| 1|||").deleteFromServer);
-    EXPECT_TRUE(R::settings("* W||||2| 1|||").smtpLogin);
-    EXPECT_FALSE(R::settings("* W||||x|0|||").deleteFromServer);
-    EXPECT_FALSE(R::settings("* W||||||||").smtpLogin);
 }
 
 // Catches a window that opens on another row than the last marked one (a

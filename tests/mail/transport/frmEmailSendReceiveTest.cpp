@@ -58,7 +58,8 @@ protected:
 };
 
 // Catches status texts not taken from the bundled theme and a window that
-// does not follow the last line.
+// does not follow the last line. (What the session stores and deletes is the
+// send/receive runs'.)
 TEST_F(frmEmailSendReceiveTest, ShowsEveryStepWithTheSkinTexts) {
     DovecotServer pop;
     pop.addUser("ann", "pw");
@@ -69,8 +70,6 @@ TEST_F(frmEmailSendReceiveTest, ShowsEveryStepWithTheSkinTexts) {
     EXPECT_EQ(runWindow(EmailAccountList({account})),
               (QStringList{"DS1: Signed in: UFCA-ANN", "DS1: Connection ready",
                            "DS1: New message received (1)", "DS1: Done"}));
-    EXPECT_EQ(store.FillMessageIndexList(MailStore::kInbox).size(), 1u);
-    EXPECT_EQ(pop.messagesOf("ann"), 0);
 }
 
 // Catches a window that waits for ever when there is no account.

@@ -27,14 +27,10 @@ void chownTree(const QString& path, unsigned uid, unsigned gid) {
 } // namespace
 
 DovecotServer::DovecotServer() {
-    if (::geteuid() == 0) {
-        const passwd* nobody = ::getpwnam("nobody");
-        m_mailUid = nobody ? nobody->pw_uid : 65534;
-        m_mailGid = nobody ? nobody->pw_gid : 65534;
-    } else {
-        m_mailUid = ::getuid();
-        m_mailGid = ::getgid();
-    }
+    // As root the mail files belong to "nobody", as dovecot will not serve root's.
+    const passwd* owner = ::geteuid() == 0 ? ::getpwnam("nobody") : ::getpwuid(::getuid());
+    m_mailUid = owner ? owner->pw_uid : 65534;
+    m_mailGid = owner ? owner->pw_gid : 65534;
 }
 
 DovecotServer::~DovecotServer() {
@@ -43,9 +39,8 @@ DovecotServer::~DovecotServer() {
 
 void DovecotServer::addUser(const QByteArray& name, const QByteArray& password) {
     m_passwd += name + ":{PLAIN}" + password + "::::::\n";
-    QDir().mkpath(maildir(name) + QStringLiteral("/new"));
-    QDir().mkpath(maildir(name) + QStringLiteral("/cur"));
-    QDir().mkpath(maildir(name) + QStringLiteral("/tmp"));
+    for (const char* sub : {"/new", "/cur", "/tmp"})
+        QDir().mkpath(maildir(name) + QLatin1String(sub));
     chownTree(m_dir.path() + QStringLiteral("/home"), m_mailUid, m_mailGid);
 }
 

@@ -50,8 +50,4 @@ QList<QJsonObject> SmtpSinkServer::messages() const {
     }
 }
 
-QByteArray SmtpSinkServer::raw(int n) const {
-    return readAll(m_dir.path() + QStringLiteral("/%1.eml").arg(n));
-}
-
 } // namespace mirel::test

@@ -14,7 +14,7 @@ namespace mirel::test {
 
 /// One SMTP sink server, stopped by its PID when the object goes.
 class SmtpSinkServer {
-  public:
+public:
     struct Options {
         std::optional<TestCertificate> tls; // STARTTLS offered
         QByteArray login;                   // "user:password": log-in required
@@ -26,12 +26,11 @@ class SmtpSinkServer {
     void stop();
     int port() const { return m_port; }
 
-    /// The summaries of the messages received so far, in order.
+    /// The summaries of the messages received so far, in order (header
+    /// names in lower case).
     QList<QJsonObject> messages() const;
-    /// The bytes of message n (1-based) as received.
-    QByteArray raw(int n) const;
 
-  private:
+private:
     QTemporaryDir m_dir;
     QProcess m_process;
     int m_port = 0;

@@ -1,13 +1,7 @@
 #!/usr/bin/python3
-"""An SMTP server for the tests: accepts mail on 127.0.0.1 and saves each
-message as N.eml (the bytes received) and N.json (the envelope and what
-Python's email package reads from the message), so the tests check the
-client's output with a parser that is not ours.
-
-Options: --port P --folder F [--cert C --key K] [--login USER:PASSWORD]
-[--reject TEXT] (recipients containing TEXT are refused with 550). Runs
-until SIGTERM.
-"""
+"""An SMTP server for the tests: saves each message as N.eml (the bytes) and
+N.json (what Python's email package reads from it), so the tests check the
+client's output with a parser that is not ours. Runs until SIGTERM."""
 import argparse
 import base64
 import email
@@ -42,29 +36,20 @@ class Sink:
             f.write(raw)
         msg = email.message_from_bytes(raw, policy=email.policy.default)
         summary = {
-            "mail_from": envelope.mail_from,
             "rcpt_tos": envelope.rcpt_tos,
             "tls": session.ssl is not None
             or server.transport.get_extra_info("ssl_object") is not None,
             "login": getattr(session, "test_login", ""),
-            "headers": [[k, str(v)] for k, v in msg.items()],
+            "headers": {k.lower(): str(v) for k, v in msg.items()},
             "content_type": msg.get_content_type(),
-            "text": None,
-            "html": None,
-            "attachments": [],
-        }
-        body = msg.get_body(("plain",))
-        if body is not None:
-            summary["text"] = body.get_content()
-        body = msg.get_body(("html",))
-        if body is not None:
-            summary["html"] = body.get_content()
-        for part in msg.iter_attachments():
-            summary["attachments"].append({
+            "attachments": [{
                 "filename": part.get_filename(),
-                "content_type": part.get_content_type(),
                 "data": base64.b64encode(part.get_payload(decode=True) or b"").decode(),
-            })
+            } for part in msg.iter_attachments()],
+        }
+        for key, kind in (("text", "plain"), ("html", "html")):
+            body = msg.get_body((kind,))
+            summary[key] = body.get_content() if body is not None else None
         with open(base + ".json.tmp", "w") as f:
             json.dump(summary, f)
         os.rename(base + ".json.tmp", base + ".json")
@@ -78,7 +63,7 @@ def main():
     ap.add_argument("--cert")
     ap.add_argument("--key")
     ap.add_argument("--login")
-    ap.add_argument("--reject")
+    ap.add_argument("--reject", help="recipients containing this are refused with 550")
     a = ap.parse_args()
 
     kwargs = {}
@@ -109,7 +94,6 @@ def main():
     controller.start()
     stop = threading.Event()
     signal.signal(signal.SIGTERM, lambda *_: stop.set())
-    signal.signal(signal.SIGINT, lambda *_: stop.set())
     print("READY", flush=True)
     while not stop.wait(0.2):
         pass
