@@ -31,8 +31,8 @@ struct Main : test::MainWindowHarness {
 
 // Faults: a clicked row did not fill the boxes, a delete answered No went
 // ahead, a delete left the file or the row behind, Cancel on leaving with typed text left the
-// screen anyway, and the calendar's tab followed the order the skin made the boxes in, not the
-// days.
+// screen anyway, the calendar's tab followed the order the skin made the boxes in, not the
+// days, and a day's typing was lost when another month was chosen.
 TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
     Main m;
     test::writeAll(m.file("Notes/1.not"), "Title\r\nMilch\r\nBrot\r\n");
@@ -58,6 +58,9 @@ TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
     m.click("CALENDAR");
     ASSERT_NE(m.w->textBox(2), nullptr);
     EXPECT_EQ(m.w->textBox(1)->nextInFocusChain(), m.w->textBox(2));
+    m.w->textBox(2)->setText("dentist");
+    m.click("MONTHMAR");
+    EXPECT_TRUE(test::readAll(m.file("calendar.ini")).contains("1102=100101110"));
 }
 
 // Faults: the button of the screen already shown refilled it, so the next

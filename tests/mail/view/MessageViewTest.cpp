@@ -65,7 +65,8 @@ TEST(MessageView, OutsideLinks) {
 
 // Faults: a UTF-8 multipart page read as Windows-1252 ("CafÃ©"); a named
 // text part dropped; an encoded name not shown; a TAB of a folded Subject
-// shifting the list's columns. (The text part and a name given only by the
+// shifting the list's columns; the page written without its closing line
+// end. (The text part and a name given only by the
 // disposition are the whole-program everyday test's.)
 TEST_F(MessageViewTest, PartsReadInTheirOwnCharsetAndNamedPartsAreFiles) {
     EXPECT_TRUE(received.StoreReceivedMessage(readAll(testData("mail/utf8-named-parts.eml")), "0"));
@@ -73,6 +74,7 @@ TEST_F(MessageViewTest, PartsReadInTheirOwnCharsetAndNamedPartsAreFiles) {
     EXPECT_TRUE(
         MailDisplayText::decodeBody(m.page, m.charset).contains(QString::fromUtf8("Café €5")));
     EXPECT_EQ(m.attachmentNames, (QList<QByteArray>{"itinerary.txt", "€ rate.pdf", "Grüße.txt"}));
+    EXPECT_EQ(readAll(view.pagePath()), m.page + "\r\n");
     EXPECT_EQ(store.FillMessageIndexList("0")[0].listLine().count('\t'), 6);
 }
 
