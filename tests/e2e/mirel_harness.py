@@ -33,10 +33,10 @@ class Xvfb:
         self.display = ":" + number.decode().strip()
 
     def stop(self):
-        _end(self.proc)
+        stop_process(self.proc)
 
 
-def _end(proc):
+def stop_process(proc):
     """Terminates proc, killing it when it does not end within ten seconds."""
     if proc and proc.poll() is None:
         proc.terminate()
@@ -85,10 +85,6 @@ class Session:
         self.env = dict(os.environ, DISPLAY=display, QT_QPA_PLATFORM="xcb",
                         XDG_CONFIG_HOME=self.config, XDG_DATA_HOME=os.path.join(self.tmp, "data"),
                         MIREL_READY_MARKER="1")
-        if "XDG_RUNTIME_DIR" not in os.environ:
-            runtime = os.path.join(self.tmp, "run")
-            os.makedirs(runtime, mode=0o700)
-            self.env["XDG_RUNTIME_DIR"] = runtime
         self.env.update(extra_env or {})
         self.display = display
         self.proc = None
@@ -166,7 +162,7 @@ class Session:
             return None
 
     def close(self):
-        _end(self.proc)
+        stop_process(self.proc)
         if self.proc and self.proc.stdout:
             self.proc.stdout.close()
         shutil.rmtree(self.tmp, ignore_errors=True)
@@ -227,7 +223,7 @@ class MailServers:
         except subprocess.TimeoutExpired:
             pass
         for p in (self.pop, self.smtp):
-            _end(p)
+            stop_process(p)
             p.stdout.close()
 
 
