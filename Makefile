@@ -17,7 +17,7 @@ DEPS := cmake g++ make pkg-config clang clang-format ccache \
 	qt6-image-formats-plugins libqt6svg6 \
 	libsqlitecpp-dev libsqlite3-dev sqlite3 libgmime-3.0-dev libcurl4-openssl-dev libssl-dev \
 	libgtest-dev libgmock-dev libbenchmark-dev \
-	xvfb xauth x11-utils imagemagick sox fonts-dejavu-core \
+	xvfb xauth x11-utils xdotool imagemagick sox fonts-dejavu-core \
 	python3-pyatspi at-spi2-core dbus dbus-x11 \
 	dovecot-core dovecot-pop3d python3-aiosmtpd poppler-utils \
 	fonts-liberation fonts-bebas-neue \

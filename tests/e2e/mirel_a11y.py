@@ -11,7 +11,7 @@ import tempfile
 import time
 import unittest
 
-from mirel_harness import Session, Xvfb, click, until
+from mirel_harness import Session, Xvfb, stop_process, click, until
 
 IN_BUS = "MIREL_E2E_IN_BUS"
 
@@ -58,9 +58,7 @@ class ScreenReaderCase(unittest.TestCase):
 
     @classmethod
     def tearDownClass(cls):
-        if cls.launcher.poll() is None:
-            cls.launcher.terminate()
-            cls.launcher.wait(10)
+        stop_process(cls.launcher)
         cls.x.stop()
 
     def session(self):

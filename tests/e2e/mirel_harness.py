@@ -33,10 +33,10 @@ class Xvfb:
         self.display = ":" + number.decode().strip()
 
     def stop(self):
-        _end(self.proc)
+        stop_process(self.proc)
 
 
-def _end(proc):
+def stop_process(proc):
     """Terminates proc, killing it when it does not end within ten seconds."""
     if proc and proc.poll() is None:
         proc.terminate()
@@ -85,10 +85,6 @@ class Session:
         self.env = dict(os.environ, DISPLAY=display, QT_QPA_PLATFORM="xcb",
                         XDG_CONFIG_HOME=self.config, XDG_DATA_HOME=os.path.join(self.tmp, "data"),
                         MIREL_READY_MARKER="1")
-        if "XDG_RUNTIME_DIR" not in os.environ:
-            runtime = os.path.join(self.tmp, "run")
-            os.makedirs(runtime, mode=0o700)
-            self.env["XDG_RUNTIME_DIR"] = runtime
         self.env.update(extra_env or {})
         self.display = display
         self.proc = None
@@ -138,16 +134,15 @@ class Session:
                                 capture_output=True, timeout=120)
         assert stored.returncode == 0, stored.stderr
 
-    def index(self, folder="0"):
-        """The (subject, read mark) rows of a mail folder's index, or None
-        while there is none (its file appears a moment before its table)."""
+    def count(self, folder):
+        """The number of messages in a mail folder's index, or None while
+        there is none (its file appears a moment before its table)."""
         path = os.path.join(self.program_dir, "Email", folder, "index.mdb")
         if not os.path.exists(path):
             return None
         db = sqlite3.connect(path)
         try:
-            return [(bytes(subject).decode("cp1252"), readed) for subject, readed
-                    in db.execute('SELECT "Subject", "Readed" FROM "Index"')]
+            return db.execute('SELECT COUNT(*) FROM "Index"').fetchone()[0]
         except sqlite3.OperationalError:
             return None
         finally:
@@ -167,15 +162,10 @@ class Session:
             return None
 
     def close(self):
-        _end(self.proc)
+        stop_process(self.proc)
         if self.proc and self.proc.stdout:
             self.proc.stdout.close()
         shutil.rmtree(self.tmp, ignore_errors=True)
-
-
-def triplets(text):
-    """A stored account record: each byte as three decimal digits."""
-    return "".join("%03d" % b for b in text.encode("cp1252"))
 
 
 class MailServers:
@@ -204,8 +194,9 @@ class MailServers:
         folder = os.path.join(session.program_dir, "Email")
         os.makedirs(folder, exist_ok=True)
         record = "* Home|127.0.0.1:%d|ann|s3cret|1|0|127.0.0.1:%d|ann@example.org|Ann Example|"
-        with open(os.path.join(folder, "accounts.ini"), "w") as f:
-            f.write("[Email]\r\n0=%s\r\n" % triplets(record % (pop, smtp)))
+        with open(os.path.join(folder, "accounts.ini"), "w") as f:  # each byte as three digits
+            f.write("[Email]\r\n0=%s\r\n" % "".join("%03d" % b for b in
+                                                     (record % (pop, smtp)).encode("cp1252")))
         with open(os.path.join(folder, "servers.ini"), "w") as f:
             f.write("".join("[127.0.0.1:%d]\r\nPlaintext=1\r\n" % p for p in (pop, smtp)))
 
@@ -232,35 +223,25 @@ class MailServers:
         except subprocess.TimeoutExpired:
             pass
         for p in (self.pop, self.smtp):
-            _end(p)
+            stop_process(p)
             p.stdout.close()
+
+
+def xdotool(display, *args):
+    subprocess.run(["xdotool", *map(str, args)], env=dict(os.environ, DISPLAY=display), check=True)
 
 
 def x_input(display, keys=(), wheel=0, move=None, clicks=0):
     """Through the X test extension: the pointer moved to `move` (x, y), key
     presses (X key names) at the focus, wheel notches (up when positive) and
     left clicks under the pointer."""
-    import ctypes
-    x11, xtst = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
-    x11.XOpenDisplay.restype = ctypes.c_void_p
-    x11.XStringToKeysym.restype = ctypes.c_ulong
-    x11.XKeysymToKeycode.argtypes = [ctypes.c_void_p, ctypes.c_ulong]
-    for fake in (xtst.XTestFakeKeyEvent, xtst.XTestFakeButtonEvent):
-        fake.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int, ctypes.c_ulong]
-    xtst.XTestFakeMotionEvent.argtypes = [ctypes.c_void_p] + [ctypes.c_int] * 3 + [ctypes.c_ulong]
-    x11.XFlush.argtypes = x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
-    dpy = x11.XOpenDisplay(display.encode())
     if move:
-        xtst.XTestFakeMotionEvent(dpy, -1, move[0], move[1], 0)
-        x11.XFlush(dpy)
+        xdotool(display, "mousemove", *move)
         time.sleep(0.3)
-    button = xtst.XTestFakeButtonEvent
-    events = [(xtst.XTestFakeKeyEvent, x11.XKeysymToKeycode(dpy, x11.XStringToKeysym(k.encode())))
-              for k in keys] + [(button, 4 if wheel > 0 else 5)] * abs(wheel)
-    events += [(button, 1)] * clicks
-    for fake, code in events:
-        fake(dpy, code, 1, 0)
-        fake(dpy, code, 0, 0)
-        x11.XFlush(dpy)
-        time.sleep(0.05 if code == 1 and fake is button else 0.2)
-    x11.XCloseDisplay(dpy)
+    if keys:
+        xdotool(display, "key", "--delay", 200, *keys)
+    if wheel:
+        xdotool(display, "click", "--repeat", abs(wheel), "--delay", 200, 4 if wheel > 0 else 5)
+    if clicks:  # quick enough to make a double click
+        xdotool(display, "click", "--repeat", clicks, "--delay", 50, 1)
+    time.sleep(0.2)

@@ -1,10 +1,6 @@
-"""Mail in the real program under Xvfb with the bundled theme, driven
-through the accessibility layer as a screen reader's user would: reading
-(real corpus messages and strangers' mail stored as received mail, a folder
-of bait files watched), and against the test dovecot and an SMTP sink whose
-messages Python's email package reads back, writing (a new message, a reply,
-a forward) and filing (folders made, messages moved and deleted, an
-attachment saved, a shown folder renamed and deleted)."""
+"""Mail in the real program under Xvfb with the bundled theme, driven as a
+screen reader's user would: received mail read, and new mail written and
+filed against the test dovecot and an SMTP sink."""
 
 import ctypes
 import os
@@ -64,10 +60,6 @@ class Mail(ScreenReaderCase):
         self.send_receive()
         return s
 
-    def count(self, folder):
-        rows = self.s.index(folder)
-        return None if rows is None else len(rows)
-
     def answer(self, prompt, text):
         self.set_text(prompt, text, under=prompt, role=("text", "entry"))
         self.press("OK", under=prompt)
@@ -77,14 +69,12 @@ class Mail(ScreenReaderCase):
         self.click_node(self.find(name, "list item", shown=True))
         self.find("Folder: " + name, shown=True)
 
-    # Catches: an encoded subject listed undecoded, a UTF-8 body shown as
-    # Latin-1 or its bytes changed on the page, a shown message not marked
-    # read, an attachment named only in its Content-Disposition shown without
-    # a name, a source view that does not show the message. From strangers'
-    # mail: a view that reads /dev/zero or a pipe a message names (abort,
-    # hang) or opens any file it names, a mail link handed on with the files
-    # it asks to attach. (Tags by the megabyte and a BinHex flood are the page
-    # and BinHex length tests'.)
+    # Catches, with real corpus and strangers' mail: a view that crashes on
+    # any of them, reads /dev/zero or a pipe a message names (abort, hang) or
+    # opens any file it names, a mail link handed on with the files it asks to
+    # attach. (Decoding, charsets, read marks, attachment names and the source
+    # view are the list line, view, corpus and e-mail screen tests'; tags by
+    # the megabyte and a BinHex flood the page and BinHex length tests'.)
     def test_received_mail_reads_right_and_harms_nothing(self):
         s = self.session()
         bait, bin_dir = os.path.join(s.tmp, "bait"), os.path.join(s.tmp, "bin")
@@ -107,7 +97,6 @@ class Mail(ScreenReaderCase):
                                                             "utf8-named-parts.eml")],
                          *[CORPUS + n for n in ("msg_01.txt", "msg_07.txt", "msg_15.txt",
                                                 "msg_22.txt")], *hostile)
-        self.assertEqual(set(dict(s.index()).values()), {0})
 
         libc = ctypes.CDLL(None, use_errno=True)
         watch = libc.inotify_init1(os.O_NONBLOCK)
@@ -123,26 +112,6 @@ class Mail(ScreenReaderCase):
         self.find("Grüße aus Köln", under=table)
         time.sleep(0.5)
         s.screenshot("mailview-list")
-
-        self.select(table, "Grüße aus Köln")
-        until(lambda: 1 in dict(s.index()).values())
-        # The page's own rules (darkening, line ends) are the page tests'.
-        page = read(os.path.join(s.program_dir, "Email", "tmp.html"))
-        self.assertIn(b"<BODY BGCOLOR=#000000 TEXT=#FFFFFF>", page)
-        self.assertIn("Grüße aus Köln, schöne Grüße!".encode("utf-8"), page, "bytes kept")
-        time.sleep(0.5)
-        s.screenshot("mailview-html")
-
-        self.select(table, lambda subject: subject.startswith("Trip"))  # folded
-        self.find("\u20ac rate.pdf", shown=True)
-        view = self.find("rtfEmail").queryText()
-        self.assertIn("Caf\u00e9 \u20ac5", view.getText(0, view.characterCount))
-        s.screenshot("everyday-mail-utf8")
-
-        self.select(table, "Here is your dingus fish")
-        self.find("dingusfish.g")  # the caption holds twelve characters
-        time.sleep(0.5)
-        s.screenshot("mailview-attachment")
 
         # Every message opened, its attachment icons hovered till their tool
         # tips show, then a mail link followed.
@@ -168,19 +137,14 @@ class Mail(ScreenReaderCase):
         with self.assertRaises(BlockingIOError, msg="a file a message names was opened"):
             os.read(watch, 4096)
 
-        self.select(table, "Here is your dingus fish")
-        s.send("EMAILSOURCE")
-        time.sleep(1.0)
-        s.screenshot("mailview-source")
-        body = self.find("rtfEmail").queryText()
-        self.assertIn("Subject: Here is your dingus fish", body.getText(0, body.characterCount))
         self.press("QUIT")
         self.assertEqual(s.wait_exit(), 0)
 
     # Catches: a folder made, moved into or deleted in the dialogs but not in
-    # the store, a delete in "Deleted" that is not final, an attachment saved
-    # under the name a stranger chose or anywhere but where the user said, a
-    # shown folder left on screen after its rename or delete.
+    # the store, an attachment saved under the name a stranger chose or
+    # anywhere but where the user said, a shown folder left on screen after
+    # its rename or delete. (Deleting messages is the folder manager's and the
+    # e-mail screen's tests'.)
     def test_file_move_delete_and_save(self):
         def home_and_files(s):
             s.env["HOME"] = os.path.join(s.tmp, "home")  # where the save dialog starts
@@ -188,15 +152,14 @@ class Mail(ScreenReaderCase):
             self.before = files_under(s.tmp)
         s = self.start(("Alpha",), ("Beta", "ann@example.org", None,
                                     [("../report.bin", "application/octet-stream", PAYLOAD)]),
-                       ("Gamma",), before_start=home_and_files)
+                       before_start=home_and_files)
         table = self.table
-        until(lambda: self.count("0") == 3)
+        until(lambda: s.count("0") == 2)
 
         s.send("EMAILCONFIG")
         self.press("EMAILCONFIGNEW", under="Mail folders")
         self.answer("Enter Name for new Folder", "Archive")
-        until(lambda: self.count("Archive") == 0)
-        s.screenshot("dialog-emailconfig-folders")
+        until(lambda: s.count("Archive") == 0)
         self.press("OK", under="Mail folders")
 
         self.select(table, "Alpha", "Beta")
@@ -205,29 +168,14 @@ class Mail(ScreenReaderCase):
         self.select(self.find("Folders", "list", under=move), "Archive")
         s.screenshot("dialog-emailmove")
         self.press("OK", under=move)
-        until(lambda: self.count("Archive") == 2 and self.count("0") == 1)
+        until(lambda: s.count("Archive") == 2 and s.count("0") == 0)
 
-        self.select(table, "Gamma")
-        s.send("EMAILDELETE")
-        self.press("Yes", under="TORVEX Terminal")
-        until(lambda: self.count("0") == 0 and self.count("3") == 1)
-
-        # The chooser reaches every folder; in "Deleted" a delete is final.
-        self.open_folder("Deleted")
-        self.select(table, "Gamma")
-        s.send("EMAILDELETE")
-        self.press("Yes", under="TORVEX Terminal")
-        until(lambda: self.count("3") == 0)
-
-        self.open_folder("Archive")
-        self.assertEqual(self.count("Archive"), 2)
+        self.open_folder("Archive")  # through the chooser
         self.select(table, "Beta")
         self.click_node(self.find("../report.bi", "list item", under=self.find("lvAttachments")), 2)
-        dialog = self.window("Save attachment")
-        name = next(n for n in walk(dialog) if n.getRoleName() == "text" and
-                    n.queryText().getText(0, -1) == "report.bin")  # the part's name, made safe
-        name.queryEditableText().setTextContents("saved.bin")
-        self.press("Save", under=dialog)
+        # The name proposed (the stranger's, made safe) is the e-mail screen tests'.
+        self.set_text("File name:", "saved.bin", under="Save attachment", role="text")
+        self.press("Save", under="Save attachment")
         saved = os.path.join(s.env["HOME"], "saved.bin")
         until(lambda: os.path.exists(saved) and os.path.getsize(saved) == len(PAYLOAD))
         self.assertEqual(read(saved), PAYLOAD)
@@ -246,22 +194,19 @@ class Mail(ScreenReaderCase):
         self.find("Folder: Inbox")
         self.assertFalse(os.path.exists(os.path.join(s.program_dir, "Email", "Old mail")))
         self.press("OK", under=config)
-        time.sleep(0.5)
-        s.screenshot("email-folder")
         after = files_under(s.tmp)
         root, config = os.path.join(s.program_dir, "Email"), os.path.join(s.tmp, "config")
         self.assertEqual(sorted(p for p in after if after[p] != self.before.get(p) and
                                 not p.startswith((root, config, self.servers.folder))),
                          [saved, os.path.join(s.program_dir, "Mirel", "directories.ini")])
 
-    def compose(self, command, shot):
+    def compose(self, command):
         self.s.send(command)
         self.find("DHTMLEdit1", shown=True, timeout=15)
         time.sleep(0.5)
-        self.s.screenshot(shot)
 
     # Catches: recipients lost on the way to the server or Bcc shown in the
-    # headers, formatting or a file lost from a new message, a reply without
+    # headers, a file lost from a new message, a reply without
     # the quoted original, a forward without the original's attachments or
     # leaving its scratch files behind.
     def test_new_reply_forward_arrive_intact(self):
@@ -276,9 +221,9 @@ class Mail(ScreenReaderCase):
         self.select(self.table, "Quarterly figures")
         time.sleep(1.5)
 
-        # A new message: To from the picker, bold text from the toolbar, a
-        # file added through the file dialog.
-        self.compose("EMAILNEW", "compose-new")
+        # A new message: To from the picker, a file added through the file
+        # dialog. (Formats reaching the mail's tags are the compose window's tests'.)
+        self.compose("EMAILNEW")
         self.press("EMAILTO")
         picker = self.find("lstAddressbook", shown=True).queryTable()
         picker.addRowSelection(0)
@@ -292,19 +237,16 @@ class Mail(ScreenReaderCase):
         self.set_text("txtBCC", "hidden@example.net")
         self.set_text("txtSubject", "Grüße")
         self.set_text("DHTMLEdit1", "Hello there")
-        self.find("DHTMLEdit1").queryText().setSelection(0, 6, 11)
-        self.find("cmdBut1", shown=True).queryAction().doAction(0)
         self.press("OK", settle=0.5)
 
-        self.compose("EMAILREPLY", "compose-reply")
-        self.press("OK", settle=0.5)
-        self.compose("EMAILFORWARD", "compose-forward")
-        self.press("OK", settle=0.5)
-        until(lambda: self.count("1") == 3)  # all three in the outbox before the run starts
+        for command in ("EMAILREPLY", "EMAILFORWARD"):
+            self.compose(command)
+            self.press("OK", settle=0.5)
+        until(lambda: s.count("1") == 3)  # all three in the outbox before the run starts
         self.send_receive()
 
         # Every recipient reaches the server, Bcc in the envelope only; the
-        # bold survives as a tag of its own, the file byte for byte.
+        # file byte for byte.
         (to_new, new), (to_reply, reply), (to_fwd, fwd) = self.servers.received(3)
         self.assertEqual(to_new, ["jonas@example.net", "marta@example.org", "cc@example.net",
                                   "hidden@example.net"])
@@ -315,7 +257,6 @@ class Mail(ScreenReaderCase):
         self.assertEqual([(a.get_filename(), a.get_content()) for a in new.iter_attachments()],
                          [("notes.bin", PDF[::-1])])
         self.assertIn("Hello there", new.get_body(("plain",)).get_content())
-        self.assertRegex(new.get_body(("html",)).get_content(), r"(?i)Hello <b>there</b>")
 
         self.assertEqual((to_reply, reply["Subject"], str(reply["To"])),
                          (["bob@example.org"], "Re: Quarterly figures", "Bob <bob@example.org>"))
