@@ -49,11 +49,12 @@ struct Main : test::MainWindowHarness {
     }
 };
 
-// The list, page, caption and source of real mail are checked in the
+// The list, caption and source of real mail are checked in the
 // whole-program view test; here what it cannot see. Catches: a row not
-// marked read or the widgets of an open message left hidden, a link to a local file or relative
-// page handed to the desktop, an attachment name shown beyond its caption without its full name as
-// a plain tool tip, and the screen's own button resetting the source view.
+// marked read (on screen or in the store), the text body shown although the
+// message has an HTML body, the page or buttons of an open message left hidden, a link to a local
+// file or relative page handed to the desktop, an attachment name shown beyond its caption without
+// its full name as a plain tool tip, and the screen's own button resetting the source view.
 TEST(EmailScreen, ListOpenSourceAndAttachments) {
     Main m;
     MessageRow text;
@@ -61,6 +62,7 @@ TEST(EmailScreen, ListOpenSourceAndAttachments) {
     text.headers = "From: \"Ann\" <ann@x.org>\r\nSubject: Plain\r\n";
     MessageRow html;
     html.html = "<html><body bgcolor=#ffffff>Hi <a href=\"http://example.com/\">site</a></body>";
+    html.text = "the text body\r\n";
     m.add("0", "Plain", "\"Ann\" <ann@x.org>", text);
     m.add("0", "Html", "bob@y.net", html,
           {{"name=\"<b>long_report</b>.pdf\"", "%PDF-1.4"}, {"name=\"a.txt\"", "x"}});
@@ -79,6 +81,9 @@ TEST(EmailScreen, ListOpenSourceAndAttachments) {
     m.clickRow(0);
     EXPECT_EQ(list->topLevelItem(0)->foreground(4).color(), fore);
     EXPECT_TRUE(m.screen().ListMessages()[0].startsWith(QByteArray::number(2) + "\t1\t"));
+    EXPECT_EQ(m.w->mailStore()->readIndexRow("0", 2)->readed, 1);
+    EXPECT_TRUE(m.screen().wbEmail()->isVisible());
+    EXPECT_TRUE(m.screen().view().current().page.contains("site"));
     EXPECT_TRUE(m.mailButtonShown("emailreply"));
     QListWidget* att = m.screen().lvAttachments();
     ASSERT_EQ(att->count(), 2);
