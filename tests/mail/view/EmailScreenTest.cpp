@@ -133,14 +133,16 @@ TEST(EmailScreen, UnreadColourStandsApart) {
         }
 }
 
-// Moving, renaming or deleting the folder shown, and saving an attachment,
-// are the whole-program folder test's. Catches: deleting that opens (and
-// marks read) the neighbouring row, a Delete key that does nothing, and
-// "Mail" staying in the last folder.
-TEST(EmailScreen, DeleteKeyAndMailGoesBackToTheInbox) {
+// Moving, renaming or deleting the folder shown are the whole-program
+// folder test's. Catches: deleting that opens (and marks read) the
+// neighbouring row, a Delete key that does nothing, a delete in "Deleted"
+// that moves the messages again instead of removing them, an attachment
+// double click that does nothing or proposes the sender's path instead of
+// a plain name, and "Mail" staying in the last folder.
+TEST(EmailScreen, DeleteKeySaveAndMailGoesBackToTheInbox) {
     Main m;
     for (const QByteArray n : {"a", "b", "c"})
-        m.add("0", n, "x@y.org", {});
+        m.add("0", n, "x@y.org", {}, {{"name=\"../" + n + ".txt\"", "bytes of " + n}});
     m.click("EMAIL");
     FolderScreen& f = *m.w->folderScreen();
     QTreeWidget* list = m.screen().MLmessages();
@@ -153,8 +155,22 @@ TEST(EmailScreen, DeleteKeyAndMailGoesBackToTheInbox) {
     EXPECT_EQ(m.w->mailStore()->readIndexRow("0", 2)->readed, 0);
     EXPECT_EQ(m.w->mailStore()->FillMessageIndexList("3").size(), 2u);
 
+    m.clickRow(0);
+    m.screen().lvAttachments()->item(0)->setSelected(true);
+    QString proposed;
+    f.setSaveChooser([&](const QString& name, const QString&) {
+        proposed = name;
+        return m.dir.file("saved.txt");
+    });
+    Q_EMIT m.screen().lvAttachments()->itemActivated(m.screen().lvAttachments()->item(0));
+    EXPECT_EQ(proposed, "b.txt");
+    EXPECT_EQ(test::readAll(m.dir.file("saved.txt")), "bytes of b");
+
     f.openFolder("3");
     EXPECT_EQ(f.lblFolder()->text(), "Deleted");
+    list->selectAll();
+    QApplication::sendEvent(list, &del);
+    EXPECT_TRUE(m.w->mailStore()->FillMessageIndexList("3").empty());
     m.click("EMAIL");
     EXPECT_EQ(f.lblFolder()->text(), "Inbox");
 }
