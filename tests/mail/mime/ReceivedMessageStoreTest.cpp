@@ -28,23 +28,6 @@ QByteArray part(const QByteArray& type, const QByteArray& body, const QByteArray
 
 using ReceivedMessageStoreTest = ReceivedMailFixture;
 
-// Index texts and bodies of such mail are compared with Python's reading in
-// the corpus test. Catches: the time stored taken from the message, folded
-// lines kept folded, Content-* lines moved out of their place, and a
-// subject trimmed before it is cut.
-TEST_F(ReceivedMessageStoreTest, IndexFieldsAndHeaderLinesAreKeptAsReceived) {
-    const QByteArray subject = "Subject:  " + QByteArray(254, 'x') + "   tail\r\n";
-    const QByteArray head = "Received: from relay\r\n\tby mx; Sun, 22 Nov 2026\r\n"
-                            "Content-Type: text/plain; charset=\"windows-1252\"\r\n" +
-                            subject + "Date: Sun, 22 Nov 2026 10:00:00 +0100  \r\n";
-    const Rows r = storeMail(head + "\r\nbody\r\n");
-    EXPECT_EQ(r.index.subject, QByteArray(254, 'x')); // cut to 255, then trimmed
-    EXPECT_EQ(r.index.realDate, clock.now());
-    EXPECT_EQ(r.message.headers, "Received: from relay\tby mx; Sun, 22 Nov 2026\r\n"
-                                 "Content-Type: text/plain; charset=\"windows-1252\"\r\n" +
-                                     subject + "Date: Sun, 22 Nov 2026 10:00:00 +0100  \r\n");
-}
-
 // Catches mail without an ID keyed on its opening only. (Mail fetched again
 // stored twice is the send/receive runner's test against dovecot.)
 TEST_F(ReceivedMessageStoreTest, MailWithoutAnIdIsKeyedOnItsWholeBody) {

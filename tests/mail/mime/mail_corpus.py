@@ -83,7 +83,7 @@ def summarize(path):
         "from": index_text(raw_value(msg, "From")).decode("latin-1"),
         "to": index_text(raw_value(msg, "To")).decode("latin-1"),
         "date": raw_value(msg, "Date").decode("latin-1"),
-        "headers": len(msg.keys()),
+        "headers": ", ".join(msg.keys()),
     }
     bodies = {}  # the first non-empty text/plain and text/html
     atts = []
