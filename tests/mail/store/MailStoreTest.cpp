@@ -1,6 +1,5 @@
 #include "mail/store/MailStore.h"
 #include "MailStoreFixture.h"
-#include "mail/store/FolderManager.h"
 
 #include <QFileInfo>
 #include <SQLiteCpp/Database.h>
@@ -125,16 +124,6 @@ TEST_F(MailStoreTest, LockedOrCorruptFileEndsTheOperationWithAMessage) {
     EXPECT_TRUE(store.FillMessageIndexList("Archive").empty());
     expectOneReport({"\"Archive\""});
     EXPECT_FALSE(QFileInfo::exists(store.databasePath("Archive", "index.mdb")));
-}
-
-// Catches a user folder missed for the case of its name, and a move onto
-// itself that duplicates the message.
-TEST_F(MailStoreTest, UserFolderIsFoundWithoutRegardToCase) {
-    FolderManager(store, sink).create("Archive");
-    const qint32 id = addMessage("archive", "kept");
-    EXPECT_EQ(store.FillMessageIndexList("ARCHIVE").at(0).id, id);
-    EXPECT_EQ(store.MoveMessage("Archive", "archive", id), id); // one folder: nothing moves
-    EXPECT_EQ(store.FillMessageIndexList("Archive").size(), 1u);
 }
 
 } // namespace
