@@ -38,7 +38,9 @@ TEST_F(ReceivedMessageStoreTest, MailWithoutAnIdIsKeyedOnItsWholeBody) {
 }
 
 // Catches a crash, a stack overflow or a quadratic walk on broken or hostile
-// structure, and a message lost instead of stored as far as it goes.
+// structure, and a message lost instead of stored as far as it goes. (Empty,
+// header-only, non-MIME and truncated mail and NUL bytes are compared with
+// Python's reading in the corpus test: tests/data/mail/generated/gen_broken_*.)
 TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
     auto nested = [](int levels, bool closed) {
         QByteArray m = part("text/plain", "bottom");
@@ -46,27 +48,17 @@ TEST_F(ReceivedMessageStoreTest, BrokenMailIsStoredAsFarAsItGoes) {
             m = multipart("mixed", "b" + QByteArray::number(i), {m}, closed);
         return kHead + m;
     };
-    const QByteArray truncated = multipart(
-        "mixed", "t",
-        {part("application/pdf", "JVBERi0xLj", "Content-Transfer-Encoding: base64\r\n")}, false);
     const struct {
         const char* name;
         QByteArray raw;
         std::optional<QByteArray> text; // none: whatever the letters among garbage make
         int attachments;
     } cases[] = {
-        {"empty message", {}, {}, 0},
-        {"not MIME at all", "just some words\nwithout headers\n",
-         "just some words\nwithout headers\n", 0},
-        {"headers only", kHead, {}, 0},
-        {"truncated in a base64 part", kHead + truncated.chopped(4), {}, 1},
         {"boundary never closes",
          kHead + multipart("mixed", "never", {part("text/plain", "unclosed")}, false),
          "unclosed\r\n", 0},
         {"fifty levels of parts", nested(50, true), {}, 1},
         {"five thousand open levels", nested(5000, false), {}, 1},
-        {"NUL bytes in the body", kHead + "\r\nbefore" + QByteArray("\0after\r\n", 8),
-         QByteArray("before\0after\r\n", 14), 0},
         {"base64 garbage",
          kHead +
              part("text/plain", "!!!*** not base64 ***", "Content-Transfer-Encoding: base64\r\n"),
