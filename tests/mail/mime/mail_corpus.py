@@ -122,7 +122,6 @@ def summarize(path):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) >= 2 and sys.argv[1] == "summary":
-        json.dump([summarize(p) for p in sys.argv[2:]], sys.stdout, indent=1)
-    else:
+    if sys.argv[1:2] != ["summary"]:
         sys.exit(__doc__)
+    json.dump([summarize(p) for p in sys.argv[2:]], sys.stdout, indent=1)
