@@ -88,9 +88,9 @@ TEST_F(MailFolders, RenameAndDeleteTouchOnlyTheirFolder) {
 }
 
 // Deleting (into "Deleted", then for good) is the folder screen's and the
-// whole-program test's. Catches: rows walked in the order they were chosen
-// (a row after a moved one is skipped), attachments left behind, and a walk
-// that goes on past a target it cannot write to.
+// whole-program test's, attachments left behind the store test's. Catches:
+// rows walked in the order they were chosen (a row after a moved one is
+// skipped), and a walk that goes on past a target it cannot write to.
 TEST_F(MailFolders, SelectedMessagesMoveInListOrderAndStopAtABrokenTarget) {
     QList<QByteArray> inbox;
     for (int i = 0; i < 4; ++i)
@@ -99,10 +99,7 @@ TEST_F(MailFolders, SelectedMessagesMoveInListOrderAndStopAtABrokenTarget) {
     EXPECT_EQ(SelectedMessages(store, "", inbox).move({2, 0, 1}, "Work"), (QList<int>{0, 1, 2}));
     ASSERT_EQ(inbox.size(), 1);
     EXPECT_TRUE(inbox[0].startsWith("1\t"));
-    const std::vector<IndexRow> work = store.FillMessageIndexList("Work");
-    ASSERT_EQ(work.size(), 3u);
-    for (const IndexRow& r : work)
-        EXPECT_EQ(store.readAttachments("Work", r.id).size(), size_t(r.attachments));
+    EXPECT_EQ(store.FillMessageIndexList("Work").size(), 3u);
 
     QFile::remove(mail() + "Work/attachments.mdb");
     inbox.append("2\t0\t0");
