@@ -122,8 +122,6 @@ TEST(ControlLineTest, KindRoleSwitchNameAndFields) {
         EXPECT_EQ(l.raw, r[0]);
     }
     const ControlLine l = parseControlLine("T,t,1,2,3,4,255,-7,300x,12,13,14,Sans,9");
-    EXPECT_EQ(l.number(3), 1);
-    EXPECT_EQ(l.field(13), "Sans");
     EXPECT_EQ(l.field(99), "");
     EXPECT_EQ(l.number(99), 0);
     // Channels clamp to 0..255 and read their leading number.
