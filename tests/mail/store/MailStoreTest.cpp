@@ -81,7 +81,7 @@ TEST_F(MailStoreTest, MoveAndDeleteTakeEveryRowOfTheirMessage) {
     EXPECT_TRUE(store.readAttachments("0", id).empty());
     const IndexRow after = *store.readIndexRow("3", *moved);
     auto fields = [](const IndexRow& r) { return r.listLine().mid(r.listLine().indexOf('\t')); };
-    EXPECT_EQ(fields(after), fields(before)); // read mark, attachment count, texts
+    EXPECT_EQ(fields(after), fields(before));   // read mark, attachment count, texts
     EXPECT_EQ(after.realDate, before.realDate); // a move keeps the time it was stored
     EXPECT_EQ(store.readMessageRow("3", *moved)->html, QByteArray("html"));
     const auto atts = store.readAttachments("3", *moved);
