@@ -18,14 +18,7 @@ TEST(PathResolver, MatchesExistingSpellingAndKeepsGivenSpellingForMissingParts) 
     QDir(root).mkpath("email");
     QDir(root).mkpath("Email");
     writeAll(root + "/Mirel/Notes/20240101120000.not", "x");
-    const std::pair<const char*, const char*> rows[] = {
-        {"\\mirel\\notes\\20240101120000.NOT", "/Mirel/Notes/20240101120000.not"},
-        {"\\MIREL\\Logbook\\a.log", "/Mirel/Logbook/a.log"},
-        {"\\nothing\\Mirel", "/nothing/Mirel"},
-        {"\\mirel\\", "/Mirel/"},
-        {"//Mirel", "/Mirel"},
-        {"\\Email", "/Email"},
-        {"\\email", "/email"}};
-    for (const auto& [given, found] : rows)
-        EXPECT_EQ(resolvePath(root + given), root + found) << given;
+    for (const auto& r : readTable("tables/path-resolve.txt"))
+        EXPECT_EQ(resolvePath(root + QString::fromLatin1(r[0])), root + QString::fromLatin1(r[1]))
+            << r[0].constData();
 }

@@ -32,16 +32,13 @@ protected:
 // Catches a run that skips a gap, starts elsewhere than "01", takes "1" for
 // "01", or stops at two digits, and a section looked up with its case.
 TEST_F(SkinLinesTest, StopsAtTheFirstGap) {
-    writeAll(skin, "[S]\r\n01=B,a\r\n02=B,b\r\n04=B,d\r\n[T]\r\n02=B,b\r\n[U]\r\n1=B,a\r\n");
+    // S has a gap after 02, T starts at 02, U numbers without the 0, Long
+    // runs to 105.
+    ASSERT_TRUE(QFile::copy(testData("skins/runs.skn"), skin));
     EXPECT_EQ(texts("s"), (QList<QByteArray>{"1:B,a", "2:B,b"}));
     EXPECT_TRUE(texts("T").isEmpty());
     EXPECT_TRUE(texts("U").isEmpty());
-    QByteArray text = "[S]\r\n";
-    for (int i = 1; i <= 105; ++i)
-        text +=
-            QByteArray::number(i).rightJustified(2, '0') + "=B,x" + QByteArray::number(i) + "\r\n";
-    writeAll(skin, text);
-    EXPECT_EQ(texts("S").size(), 105);
+    EXPECT_EQ(texts("Long").size(), 105);
 }
 
 // Catches an override file that adds lines or sections the skin lacks, an
@@ -104,19 +101,32 @@ TEST(SkinStateTest, RolesAndMailButtons) {
     EXPECT_EQ(s.button(21).keyNumber, 0);
 }
 
-// Catches a kind code matched loosely (case, blanks, unknown slots) or a
-// role slot / switch index read from the wrong character.
-TEST(ControlLineTest, KindRoleAndSwitch) {
+// Catches a kind code matched loosely (case, blanks, unknown slots), a role
+// slot / switch index read from the wrong character, the command cut at a
+// comma or read from the wrong field, a name taken from a short line, the raw
+// line not kept, a field or number past the end not answered with nothing,
+// and a colour channel left unclamped.
+TEST(ControlLineTest, KindRoleSwitchNameAndFields) {
     const QList<QByteArray> kinds = {
         "Unknown",        "Button",     "Picture",     "TextBox",     "MultiLine",
         "Label",          "List",       "MessageList", "MessageView", "MessageHeader",
         "AttachmentList", "ModeButton", "CheckButton", "Special",     "Animation"};
-    for (const auto& r : readTable("tables/control-kinds.txt")) {
+    for (const auto& r : readTable("tables/control-lines.txt")) {
+        SCOPED_TRACE(r[0].constData());
         const ControlLine l = parseControlLine(r[0]);
-        EXPECT_EQ(int(l.kindCode), kinds.indexOf(r[1])) << r[0].constData();
-        EXPECT_EQ(l.roleSlot, r[2].toInt()) << r[0].constData();
-        EXPECT_EQ(l.switchIndex, r[3].toInt()) << r[0].constData();
+        EXPECT_EQ(int(l.kindCode), kinds.indexOf(r[1]));
+        EXPECT_EQ(l.roleSlot, r[2].toInt());
+        EXPECT_EQ(l.switchIndex, r[3].toInt());
+        EXPECT_EQ(l.name, r[4]);
+        EXPECT_EQ(l.command(), r[5]);
+        EXPECT_EQ(l.raw, r[0]);
     }
+    const ControlLine l = parseControlLine("T,t,1,2,3,4,255,-7,300x,12,13,14,Sans,9");
+    EXPECT_EQ(l.field(99), "");
+    EXPECT_EQ(l.number(99), 0);
+    // Channels clamp to 0..255 and read their leading number.
+    const ControlLine::Colour back = l.colour(7);
+    EXPECT_EQ(QList<int>({back.r, back.g, back.b}), QList<int>({255, 0, 255}));
 }
 
 // Catches edges counted from the wrong side, stretch and percentages applied
@@ -131,28 +141,6 @@ TEST(ControlLineTest, PlacementOnA1024By768Window) {
     // Picture buttons of the mail dialog carry one more field before the place.
     const ControlLine l = parseControlLine("SP,emailbut2,pic.bmp,-40,5,30,0");
     EXPECT_EQ(placeControl(l, QSize(400, 300), 4), QRect(360, 5, 30, 295));
-}
-
-// Catches the command cut at a comma or read from the wrong field, a name
-// taken from a short line, the raw line not kept, a field or number past the
-// end not answered with nothing, and a colour channel left unclamped.
-TEST(ControlLineTest, FieldsAndCommand) {
-    for (const auto& r : readTable("tables/control-fields.txt")) {
-        const ControlLine l = parseControlLine(r[0]);
-        EXPECT_EQ(l.name, r[1]) << r[0].constData();
-        EXPECT_EQ(l.command(), r[2]) << r[0].constData();
-        EXPECT_EQ(l.raw, r[0]);
-    }
-    const ControlLine l = parseControlLine("T,t,1,2,3,4,255,-7,300x,12,13,14,Sans,9");
-    EXPECT_EQ(l.number(3), 1);
-    EXPECT_EQ(l.field(13), "Sans");
-    EXPECT_EQ(l.field(99), "");
-    EXPECT_EQ(l.number(99), 0);
-    // Channels clamp to 0..255 and read their leading number.
-    const ControlLine::Colour back = l.colour(7);
-    EXPECT_EQ(back.r, 255);
-    EXPECT_EQ(back.g, 0);
-    EXPECT_EQ(back.b, 255);
 }
 
 } // namespace

@@ -83,7 +83,7 @@ def summarize(path):
         "from": index_text(raw_value(msg, "From")).decode("latin-1"),
         "to": index_text(raw_value(msg, "To")).decode("latin-1"),
         "date": raw_value(msg, "Date").decode("latin-1"),
-        "headers": len(msg.keys()),
+        "headers": ", ".join(msg.keys()),
     }
     bodies = {}  # the first non-empty text/plain and text/html
     atts = []
@@ -122,7 +122,6 @@ def summarize(path):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) >= 2 and sys.argv[1] == "summary":
-        json.dump([summarize(p) for p in sys.argv[2:]], sys.stdout, indent=1)
-    else:
+    if sys.argv[1:2] != ["summary"]:
         sys.exit(__doc__)
+    json.dump([summarize(p) for p in sys.argv[2:]], sys.stdout, indent=1)

@@ -144,10 +144,7 @@ int main(int argc, char** argv) {
         StartedStore s(a[2], 200);
         const QByteArray account = "  Ann|127.0.0.1:" + a[3].toUtf8() + "|" + a[4].toUtf8() + "|" +
                                    a[5].toUtf8() + "|1|0||ann@x.org|Ann|";
-        SendReceiveTexts texts;
-        texts.stored = "New message";
-        texts.done = "Done";
-        SendReceiveRunner runner(s.store, s.ini, s.clock, EmailAccountList({account}), texts);
+        SendReceiveRunner runner(s.store, s.ini, s.clock, EmailAccountList({account}), {});
         runner.setGroupSize(a[6].toInt());
         // The test server offers no TLS: pre-approved as a user would.
         const QString trust = a[2] + QStringLiteral("/servers.ini");
@@ -163,12 +160,10 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (a.size() == 6 && a[1] == QLatin1String("move")) {
-        StderrSink sink;
-        SystemClock clock;
-        MailStore store(a[2], clock, sink);
+        StartedStore s(a[2]);
         armFaults();
         const std::optional<qint32> id =
-            store.MoveMessage(a[3].toUtf8(), a[4].toUtf8(), a[5].toInt());
+            s.store.MoveMessage(a[3].toUtf8(), a[4].toUtf8(), a[5].toInt());
         std::printf("%d\n", id.value_or(0));
         return id ? 0 : 2;
     }
