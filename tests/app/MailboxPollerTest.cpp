@@ -57,10 +57,9 @@ TEST(MailboxPoller, ExitFirstAndTheTableFollowedLive) {
     f.exit("1");
     EXPECT_EQ(f.poller.poll(true, f.buttons()), MailboxPoller::Outcome::ShutDown);
     EXPECT_TRUE(f.clicked.isEmpty());
-    for (const QByteArray& v :
-         {QByteArray("0"), QByteArray("True"), QByteArray("01"), QByteArray()}) {
+    for (const char* v : {"0", "True", "01", ""}) {
         f.exit(v);
-        EXPECT_NE(f.poller.poll(false, f.buttons()), MailboxPoller::Outcome::ShutDown) << v.data();
+        EXPECT_NE(f.poller.poll(false, f.buttons()), MailboxPoller::Outcome::ShutDown) << v;
     }
 
     MailboxPoller::Buttons b = f.buttons();
