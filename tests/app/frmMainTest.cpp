@@ -35,8 +35,11 @@ struct Main : test::MainWindowHarness {
 
 // Catches a start-up that misses the skin's colours, folder titles or the
 // rectangle the shell publishes, or leaves a stale exit flag or command in
-// the mailboxes.
-TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
+// the mailboxes; then a screen laid out again when it is shown already, a
+// command matched loosely, a priority command that selects no button or the
+// wrong slot's (its lit picture is the layout tests'), and a control left or
+// a click taking effect after "QUIT".
+TEST(frmMain, StartUpScreensCommandsAndQuit) {
     Main m;
     m.store.SaveSetting(kFamilyApp, "General", "Running", "True");
     for (const auto& [edge, value] : {std::pair("Left", "40"), std::pair("Top", "30"),
@@ -50,15 +53,7 @@ TEST(frmMain, StartUpReadsTheSkinAndResetsTheMailboxes) {
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kExitSection, kExitKey), "0");
     EXPECT_EQ(m.store.GetSetting(kFamilyApp, kVoiceSection, kVoiceKey), "");
     EXPECT_TRUE(test::readAll(m.dir.file("prog/debug.txt")).contains("Mirel: Ready"));
-}
 
-// Catches a screen laid out again when it is shown already, a command
-// matched loosely, a priority command that selects no button or the wrong
-// slot's (its lit picture is the layout tests'), and a control left or a
-// click taking effect after "QUIT".
-TEST(frmMain, ScreensCommandsAndQuit) {
-    Main m;
-    frmMain& w = m.start();
     const int base = 7; // the DEFAULT buttons stay; the overview goes
 
     m.click("notes"); // lower case in the skin still matches

@@ -40,7 +40,6 @@ TEST_F(SkinHostTest, ClicksAndReleasesReachTheWindowUnlessItIsClosing) {
         void overviewListReleased() override { ++overview; }
         void modeButtonClicked(int i) override { modes.append(i); }
     } h;
-    h.resize(1024, 768);
     engine.LayoutSection(h, "DEFAULT", skin);
     engine.LayoutSection(h, "Email", skin);
     h.button(1)->click();
