@@ -27,7 +27,6 @@ TEST_F(LayoutEngineTest, ScreenSectionAndClearReturnExactlyToTheRecordedState) {
     layoutDefault();
     SkinState& s = host->state();
     ASSERT_EQ(s.buttonCount(), 4);
-    EXPECT_EQ(host->controlCount(), 5);
     EXPECT_TRUE(s.button(2).picturePath.endsWith("/button.bmp"));
     EXPECT_EQ(s.button(2).command, "\"/usr/bin/prog\" -a,b,c");
     EXPECT_FALSE(host->picture(1)->pixmap().isNull());
