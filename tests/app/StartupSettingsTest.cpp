@@ -50,7 +50,6 @@ TEST(WindowPlacement, PublishedRectangleOnlyWhileTheShellRuns) {
 // Catches a sized skin chosen without its own background, or for another
 // screen width.
 TEST_F(Startup, SkinChoiceSizedOnlyWithABackground) {
-    EXPECT_EQ(chooseSkinName(ini, folders, 1024), "Mirel");
     theme("mirel1024.skn", "[DEFAULT]\r\n01=B,x.bmp,0,0,1,1,,,,QUIT\r\n");
     EXPECT_EQ(chooseSkinName(ini, folders, 1024), "Mirel");
     theme("mirel1024.skn", "[default]\r\nbackground=0,0,0\r\n");

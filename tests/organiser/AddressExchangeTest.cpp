@@ -35,21 +35,18 @@ protected:
 
 // Catches: export field order, quoting of ";" and quotes, notes flattening,
 // the header, CR LF and list order; an import that does not give back what
-// was exported or overwrites the contacts already there.
+// was exported or overwrites the contacts already there. The book is filled
+// from the expected file itself (whose reading the next test checks).
 TEST_F(AddressExchangeTest, ExportIsExactAndImportsBack) {
-    Contact zoe, adam;
-    zoe.fields[0] = "Zo\xeb \xc5ngstr\xf6m";
-    zoe.fields[4] = "a;b";
-    zoe.fields[12] = "zoe@example.org";
-    zoe.fields[14] = "www.example.org";
-    zoe.notes = "line one\r\nline two";
-    adam.fields[0] = "adam";
-    adam.fields[1] = "quote \"x\"";
+    const QString file = testData("addressbook/export.csv");
+    EXPECT_EQ(import(file), "2 written, 0 left out");
+    Contact zoe = contact(1);
+    zoe.notes = "line one\r\nline two"; // exported on one line
     OrganiserState st;
-    ASSERT_TRUE(book.save(st, zoe) && book.save(st, adam));
+    ASSERT_TRUE(book.save(st, zoe));
     const QString out = dir.file("book.csv");
     ASSERT_TRUE(exchange.exportTo(out));
-    EXPECT_EQ(readAll(out), readAll(testData("addressbook/export.csv")));
+    EXPECT_EQ(readAll(out), readAll(file));
     // Read back into the same book: added after what is there, as it was.
     EXPECT_EQ(import(out), "2 written, 0 left out");
     EXPECT_EQ(contact(3).fields, zoe.fields);

@@ -8,8 +8,10 @@ using namespace mirel;
 
 // Catches weekly items printing From/To or their days out of order, a long
 // word that never finds room (endless blank lines), words cut at the line's
-// end, CR not breaking or LF shown, and an empty list printing no page.
-TEST(AgendaPrintTest, RecordLinesAndWrapping) {
+// end, CR not breaking or LF shown, an empty list printing no page; rows of
+// short months spilling onto day 30/31, notes not trimmed, and a cut that
+// keeps a start as wide as the limit.
+TEST(AgendaPrintTest, RecordLinesWrappingMonthRowsAndFittedText) {
     AgendaEditorState weekly{{}, {}, false, {true, false, false, false, true}, 0, ""};
     EXPECT_EQ(itemRecordLines(weekly).first(), "Days....: Monday Friday ");
     EXPECT_EQ(printPageCount(0, 18), 1);
@@ -27,11 +29,7 @@ TEST(AgendaPrintTest, RecordLinesAndWrapping) {
     }
     EXPECT_EQ(words.last(), "          b");
     EXPECT_EQ(words[words.size() - 2].right(2), " a");
-}
 
-// Catches rows of short months spilling onto day 30/31, notes not trimmed,
-// and a cut that keeps a start as wide as the limit.
-TEST(AgendaPrintTest, MonthRowsAndFittedText) {
     std::array<QByteArray, 31> notes;
     notes[16] = "  seventeenth  ";
     for (const auto& [days, lastRow] : {std::pair{28, 11}, {29, 12}, {30, 13}, {31, 14}}) {

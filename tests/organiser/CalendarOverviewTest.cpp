@@ -74,11 +74,10 @@ TEST_F(CalendarOverviewTest, OverviewSectionsCodesAndCounts) {
     AgendaLists lists;
     store.load(lists);
     Overview ov(ctx);
-    OverviewTexts texts;
+    OverviewTexts texts; // the mail folders keep their own names
     texts.calendar = "Cal";
     texts.todo = "Todo";
     texts.agenda = "Agenda";
-    texts.mailFolders[0] = "Inbox";
     SortedList rows{false}, tasks;
     ov.refresh(texts, lists, rows, tasks);
     QList<std::pair<QByteArray, int>> expected;

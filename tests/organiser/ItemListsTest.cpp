@@ -20,35 +20,13 @@ protected:
     QList<QByteArray> rows() const { return texts(st.rows); }
 };
 
-// Catches an empty note saved without its default title and body, a second
-// note of the same second overwriting the first, rows not sorted by title
-// after an edit, and a delete with nothing selected that asks anyway.
-// (Deleting, refused or not, runs in the screen test.)
-TEST_F(ItemListsTest, NotesSaveListEditAndDelete) {
-    NotesBook notes(ctx);
-    notes.load(st);
-    EXPECT_FALSE(notes.remove(st, boxes)); // nothing selected: refused silently
-    EXPECT_TRUE(sink.asked.empty());
-
-    notes.add(st, boxes);
-    ASSERT_TRUE(notes.save(st, boxes));
-    EXPECT_EQ(readAll(data("Notes/20061116164512.not")), "New Note\r\n---\r\n");
-    boxes.title = "alpha";
-    boxes.body = "a";
-    ASSERT_TRUE(notes.save(st, boxes));
-    EXPECT_EQ(readAll(data("Notes/20061116164513.not")), "alpha\r\na\r\n");
-    EXPECT_EQ(rows(), (QList<QByteArray>{"alpha", "New Note"}));
-    EXPECT_EQ(overviewRefreshes, 2);
-
-    notes.click(st, 0, boxes);
-    boxes.title = "Zulu";
-    ASSERT_TRUE(notes.save(st, boxes));
-    EXPECT_EQ(rows(), (QList<QByteArray>{"New Note", "Zulu"}));
-}
-
 // Catches same titles listed in a random order, files of other programs
-// left out, and a click past the end keeping the old selection.
-TEST_F(ItemListsTest, SameTitlesFollowFileNamesAndForeignFilesAreListed) {
+// left out, a click past the end keeping the old selection, a delete with
+// nothing selected that asks anyway, an empty note saved without its default
+// title and body, a second note of the same second overwriting the first,
+// and rows not sorted by title after an edit. (Deleting, refused or not,
+// runs in the screen test.)
+TEST_F(ItemListsTest, NotesListSaveAndEdit) {
     writeAll(data("Notes/20070101000000.not"), "same\r\n2\r\n");
     writeAll(data("Notes/20060101000000.not"), "Same\r\n1\r\n");
     writeAll(data("Notes/readme.txt"), "Other text\nmore");
@@ -60,6 +38,23 @@ TEST_F(ItemListsTest, SameTitlesFollowFileNamesAndForeignFilesAreListed) {
     notes.click(st, 7, boxes);
     EXPECT_EQ(st.selection, -1);
     EXPECT_TRUE(boxes.title.isEmpty());
+    EXPECT_FALSE(notes.remove(st, boxes)); // nothing selected: refused silently
+    EXPECT_TRUE(sink.asked.empty());
+
+    notes.add(st, boxes);
+    ASSERT_TRUE(notes.save(st, boxes));
+    EXPECT_EQ(readAll(data("Notes/20061116164512.not")), "New Note\r\n---\r\n");
+    boxes.title = "alpha";
+    boxes.body = "a";
+    ASSERT_TRUE(notes.save(st, boxes));
+    EXPECT_EQ(readAll(data("Notes/20061116164513.not")), "alpha\r\na\r\n");
+    EXPECT_EQ(rows(), (QList<QByteArray>{"alpha", "New Note", "Other text", "Same", "same"}));
+    EXPECT_EQ(overviewRefreshes, 2);
+
+    notes.click(st, 0, boxes);
+    boxes.title = "Zulu";
+    ASSERT_TRUE(notes.save(st, boxes));
+    EXPECT_EQ(rows(), (QList<QByteArray>{"New Note", "Other text", "Same", "same", "Zulu"}));
 }
 
 // Catches the logbook listed oldest first, a click on an entry's second row

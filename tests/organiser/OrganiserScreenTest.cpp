@@ -32,8 +32,12 @@ struct Main : test::MainWindowHarness {
 // Faults: a clicked row did not fill the boxes, a delete answered No went
 // ahead, a delete left the file or the row behind, Cancel on leaving with typed text left the
 // screen anyway, the calendar's tab followed the order the skin made the boxes in, not the
-// days, and a day's typing was lost when another month was chosen.
-TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
+// days, and a day's typing was lost when another month was chosen; then the button of the
+// screen already shown refilled it, so the next
+// save wrote a second item; Ctrl+S did nothing; Tab stayed in the text; a
+// delete answered No hid the done button; the done button was shown before a
+// task was chosen or did not mark it.
+TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveCalendarTabOrderAndTodoKeys) {
     Main m;
     test::writeAll(m.file("Notes/1.not"), "Title\r\nMilch\r\nBrot\r\n");
     m.click("NOTES");
@@ -61,14 +65,7 @@ TEST(OrganiserScreen, NoteClickDeleteCancelledLeaveAndCalendarTabOrder) {
     m.w->textBox(2)->setText("dentist");
     m.click("MONTHMAR");
     EXPECT_TRUE(test::readAll(m.file("calendar.ini")).contains("1102=100101110"));
-}
 
-// Faults: the button of the screen already shown refilled it, so the next
-// save wrote a second item; Ctrl+S did nothing; Tab stayed in the text; a
-// delete answered No hid the done button; the done button was shown before a
-// task was chosen or did not mark it.
-TEST(OrganiserScreen, ShownScreenButtonKeysAndRefusedDelete) {
-    Main m;
     m.click("TODO");
     SkinButton* done = m.w->button(m.w->state().tables.doneButton);
     ASSERT_NE(done, nullptr);

@@ -40,7 +40,6 @@ TEST_F(SkinHostTest, ClicksAndReleasesReachTheWindowUnlessItIsClosing) {
         void overviewListReleased() override { ++overview; }
         void modeButtonClicked(int i) override { modes.append(i); }
     } h;
-    h.resize(1024, 768);
     engine.LayoutSection(h, "DEFAULT", skin);
     engine.LayoutSection(h, "Email", skin);
     h.button(1)->click();
@@ -60,7 +59,8 @@ TEST_F(SkinHostTest, ClicksAndReleasesReachTheWindowUnlessItIsClosing) {
 // moves straight to the next one or under a picture, a swapped picture that
 // drops the lit state, the selected priority button losing its lit picture
 // when the pointer passes or keeping it when another is selected (an empty
-// slot selects none), and a pass that runs while the window is closing.
+// slot selects none), mouse events over the window that do not run the
+// pass, and a pass that runs while the window is closing.
 TEST_F(SkinHostTest, HoverLightsSoundsAndUnlightsButKeepsThePriority) {
     auto centre = [&] {
         SkinButton* b = host->button(1);
@@ -91,23 +91,19 @@ TEST_F(SkinHostTest, HoverLightsSoundsAndUnlightsButKeepsThePriority) {
     host->selectPriority(5);
     EXPECT_FALSE(lit(4));
 
-    host->state().closing = true;
-    pointAt(2);
-    EXPECT_FALSE(lit(2));
-    EXPECT_EQ(sounds.requestCount(), 1);
-}
-
-// Catches mouse events over the window that do not run the hover pass: a
-// move onto a button, off it onto the bare window, and the window's own
-// event at a button's spot.
-TEST_F(SkinHostTest, MouseEventsOverTheWindowRunThePass) {
-    SkinButton* b = host->button(2);
-    send(b, QEvent::MouseMove, b->rect().center());
+    // Mouse events over the window run the pass: a move onto a button, off
+    // it onto the bare window, and the window's own press at a button's spot.
+    send(host->button(2), QEvent::MouseMove, host->button(2)->rect().center());
     EXPECT_TRUE(lit(2));
     send(host.get(), QEvent::MouseMove, QPoint(500, 500));
     EXPECT_FALSE(lit(2));
     send(host.get(), QEvent::MouseButtonPress, host->button(3)->geometry().center());
     EXPECT_TRUE(lit(3));
+
+    host->state().closing = true;
+    pointAt(2);
+    EXPECT_FALSE(lit(2));
+    EXPECT_EQ(sounds.requestCount(), 1);
 }
 
 // Catches a control a screen reader cannot name (the whole-program tests

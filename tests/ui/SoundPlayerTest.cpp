@@ -39,20 +39,17 @@ protected:
 };
 
 // Catches a file that is no wave (a text, a wave without samples) or a
-// missing one handed to the player or shown as a message, and a name
-// matched only in its own case.
-TEST_F(SoundPlayerTest, OnlyRealWaveFilesReachThePlayer) {
+// missing one handed to the player or shown as a message, a name matched
+// only in its own case, switches read once and kept (a theme edited while
+// the program runs is ignored), the overlap wish lost, and a wait that hangs
+// when no audio device answers.
+TEST_F(SoundPlayerTest, OnlyRealWavesPlaySwitchesAreReadAtEveryCallAndWaitingReturns) {
     for (const char* name : {"click", "CLICK"})
         EXPECT_EQ(plays(name), 1) << name;
     for (const char* name : {"silent", "text", "missing", ""})
         EXPECT_EQ(plays(name), 0) << name;
     EXPECT_TRUE(sink.shown.empty());
-}
 
-// Catches switches read once and kept (a theme edited while the program
-// runs is ignored), the overlap wish lost, and a wait that hangs when no
-// audio device answers.
-TEST_F(SoundPlayerTest, SwitchesAreReadAtEveryCallAndWaitingReturns) {
     setSwitches("Sound=0\r\n");
     EXPECT_EQ(plays("click"), 0);
     setSwitches("Sound=1\r\nMultiple=True\r\n");

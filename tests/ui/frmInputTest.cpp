@@ -35,8 +35,9 @@ protected:
 
 // Catches a dialog left unshaped or without the hover pass, OK not handing
 // back the text in the files' code page, Quit or Enter doing the wrong
-// thing, and a password shown as typed.
-TEST_F(frmInputTest, OkEnterAndQuit) {
+// thing, a password shown as typed, and a program command of a dialog
+// button started without the main window's question, or closing the dialog.
+TEST_F(frmInputTest, OkEnterQuitAndOtherCommands) {
     {
         frmInput dlg(engine, false);
         EXPECT_FALSE(dlg.mask().contains(QPoint(0, 0))); // rounded corners cut away
@@ -45,7 +46,16 @@ TEST_F(frmInputTest, OkEnterAndQuit) {
         EXPECT_EQ(run(dlg, QString::fromUtf8("caf\u00e9 au lait"), "OK"), "caf\xe9 au lait");
     }
     {
+        // Another command goes to the main window's starter; the dialog stays.
+        QByteArray handed;
+        SkinDialog::programStarter() = [&](const QByteArray& c, QWidget*) { handed = c; };
         frmInput dlg(engine, false);
+        dlg.show();
+        dlg.button(3)->click();
+        SkinDialog::programStarter() = nullptr;
+        EXPECT_EQ(handed, "/usr/bin/true --from-input");
+        EXPECT_TRUE(dlg.isVisible());
+        EXPECT_TRUE(dlg.InputResult().isEmpty());
         EXPECT_EQ(run(dlg, "typed", "QUIT"), "");
     }
     {
@@ -54,20 +64,6 @@ TEST_F(frmInputTest, OkEnterAndQuit) {
         EXPECT_EQ(dlg.txtInput()->displayText(), "######");
         EXPECT_EQ(run(dlg, "", ""), ""); // Enter in an empty field confirms the empty text
     }
-}
-
-// Catches a program command of a dialog button started without the main
-// window's question, or closing the dialog.
-TEST_F(frmInputTest, OtherCommandsGoToTheMainWindowAndTheDialogStaysOpen) {
-    QByteArray handed;
-    SkinDialog::programStarter() = [&](const QByteArray& c, QWidget*) { handed = c; };
-    frmInput dlg(engine, false);
-    dlg.show();
-    dlg.button(3)->click();
-    SkinDialog::programStarter() = nullptr;
-    EXPECT_EQ(handed, "/usr/bin/true --from-input");
-    EXPECT_TRUE(dlg.isVisible());
-    EXPECT_TRUE(dlg.InputResult().isEmpty());
 }
 
 } // namespace
