@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <list>
 #include <sys/file.h>
@@ -90,7 +91,11 @@ IniResult openToRead(QFile& f, const QString& path, QIODevice::OpenMode extra = 
 }
 
 // Files read key by key ("incomming.ini" once per received message) keep
-// their last content here. The file is still read on every lookup and
+// their last content here. A file whose identity, size and times are those
+// seen when it was read, and which had not been changed for a few seconds
+// before that read, is taken as unchanged without reading it: any later
+// write sets its change time past the recorded one, even on file systems
+// that keep times to two seconds. Any other file is read on every lookup and
 // compared with the kept bytes, so a change by another process or program is
 // never missed; what an unchanged file saves is the search through it. The
 // comparison goes through a small buffer, so an unchanged file costs no
@@ -103,6 +108,12 @@ public:
         auto it = m_files.begin();
         while (it != m_files.end() && it->path != f.fileName())
             ++it;
+        const Seen seen = Seen::of(f);
+        if (it != m_files.end() && it->settled && seen.valid && seen == it->seen) {
+            m_files.splice(m_files.begin(), m_files, it);
+            value = it->doc.indexedValue(section, key);
+            return {};
+        }
         QByteArray bytes;
         const bool same = it != m_files.end() && readUnchanged(f, it->doc.bytes(), bytes);
         if (it == m_files.end())
@@ -111,6 +122,8 @@ public:
             return ioError(QStringLiteral("Cannot read"), f.fileName(), f.errorString());
         if (same) {
             m_files.splice(m_files.begin(), m_files, it);
+            it->seen = seen;
+            it->settled = seen.settled();
             value = it->doc.indexedValue(section, key);
             return {};
         }
@@ -121,7 +134,7 @@ public:
         // The first read of a content searches the bytes once, as cheap as
         // it gets for a file that is about to change again.
         value = IniDocument::lookup(bytes, section, key);
-        m_files.push_front({f.fileName(), IniDocument(std::move(bytes))});
+        m_files.push_front({f.fileName(), IniDocument(std::move(bytes)), seen, seen.settled()});
         return {};
     }
 
@@ -151,10 +164,42 @@ private:
         return false;
     }
 
+    // What the kernel says of an open file, taken before its bytes are read.
+    struct Seen {
+        bool valid = false;
+        dev_t dev = 0;
+        ino_t ino = 0;
+        off_t size = 0;
+        timespec mtime{}, ctime{};
+        qint64 readAt = 0; // seconds, wall clock
+
+        static Seen of(const QFile& f) {
+            Seen s;
+            struct stat st {};
+            if (::fstat(f.handle(), &st) != 0)
+                return s;
+            s = {true, st.st_dev, st.st_ino, st.st_size, st.st_mtim, st.st_ctim, ::time(nullptr)};
+            return s;
+        }
+        // Changed well before it was read: a later change cannot share its times.
+        bool settled() const {
+            constexpr qint64 kMarginSeconds = 3;
+            return valid && mtime.tv_sec + kMarginSeconds < readAt &&
+                   ctime.tv_sec + kMarginSeconds < readAt;
+        }
+        bool operator==(const Seen& o) const {
+            return dev == o.dev && ino == o.ino && size == o.size &&
+                   mtime.tv_sec == o.mtime.tv_sec && mtime.tv_nsec == o.mtime.tv_nsec &&
+                   ctime.tv_sec == o.ctime.tv_sec && ctime.tv_nsec == o.ctime.tv_nsec;
+        }
+    };
+
     static constexpr size_t kFiles = 8;
     struct Entry {
         QString path;
         IniDocument doc;
+        Seen seen;
+        bool settled = false;
     };
     QMutex m_mutex;
     std::list<Entry> m_files; // most recently used first
