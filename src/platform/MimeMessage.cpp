@@ -207,7 +207,27 @@ MimeMessage MimeMessage::parse(QByteArrayView raw, int depth, Bytes bytes) {
     if (!borrowed)
         m.m_body = wholeBody;
 
-    GPtr<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(raw.data(), size_t(raw.size())));
+    // GMime reads the message where it lies rather than from a copy of its
+    // own: the stream is lent an array over raw and never writes to it,
+    // and every GMime object is gone before the array is let go (declared
+    // first, it goes last).
+    struct Lent {
+        GByteArray* array = nullptr;
+        ~Lent() {
+            if (array)
+                g_byte_array_free(array, FALSE); // the bytes stay the caller's
+        }
+    } lent;
+    GMimeStream* memory = nullptr;
+    if (!raw.isEmpty()) {
+        lent.array = g_byte_array_new_take(
+            reinterpret_cast<guint8*>(const_cast<char*>(raw.data())), size_t(raw.size()));
+        memory = g_mime_stream_mem_new_with_byte_array(lent.array);
+        g_mime_stream_mem_set_owner(GMIME_STREAM_MEM(memory), FALSE);
+    } else {
+        memory = g_mime_stream_mem_new_with_buffer(raw.data(), size_t(raw.size()));
+    }
+    GPtr<GMimeStream> stream(memory);
     GPtr<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
     g_mime_parser_set_format(parser.get(), GMIME_FORMAT_MESSAGE);
     GPtr<GMimeMessage> message(g_mime_parser_construct_message(parser.get(), nullptr));
