@@ -33,7 +33,7 @@ QByteArray rawHeader(GMimeObject* obj, const char* name) {
 // The message as parsed, for parts that may borrow its bytes.
 struct Source {
     QByteArrayView raw;
-    const GByteArray* buffer = nullptr; // the parser's copy of raw; null: copy every body
+    const GByteArray* buffer = nullptr; // the array GMime reads raw through; null: copy every body
 };
 
 QByteArray streamBytes(GMimeStream* stream, const Source& source) {
