@@ -30,18 +30,27 @@ QByteArray rawHeader(GMimeObject* obj, const char* name) {
     return h ? unfold(g_mime_header_get_raw_value(h)).trimmed() : QByteArray();
 }
 
-QByteArray streamBytes(GMimeStream* stream) {
+// The message as parsed, for parts that may borrow its bytes.
+struct Source {
+    QByteArrayView raw;
+    const GByteArray* buffer = nullptr; // the array GMime reads raw through; null: copy every body
+};
+
+QByteArray streamBytes(GMimeStream* stream, const Source& source) {
     // A part of a message parsed from memory is a window on the parser's
     // buffer: its bytes are copied out once rather than streamed through a
-    // second buffer.
+    // second buffer, or not at all when the caller's own bytes may be lent.
     if (const GByteArray* buffer =
             GMIME_IS_STREAM_MEM(stream) ? GMIME_STREAM_MEM(stream)->buffer : nullptr) {
         const gint64 start = stream->bound_start;
         const gint64 end = stream->bound_end < 0 ? gint64(buffer->len)
                                                  : std::min(stream->bound_end, gint64(buffer->len));
-        if (start >= 0 && start <= end)
+        if (start >= 0 && start <= end) {
+            if (buffer == source.buffer && end <= source.raw.size())
+                return QByteArray::fromRawData(source.raw.data() + start, qsizetype(end - start));
             return QByteArray(reinterpret_cast<const char*>(buffer->data) + start,
                               qsizetype(end - start));
+        }
     }
     GPtr<GMimeStream> mem(g_mime_stream_mem_new());
     g_mime_stream_reset(stream);
@@ -52,11 +61,12 @@ QByteArray streamBytes(GMimeStream* stream) {
 
 // GMime writes a container out again rather than handing back its bytes;
 // it is written with the line ends the message itself uses.
-QByteArray contentAsTransmitted(GMimeObject* obj, GMimeFormatOptions* format) {
+QByteArray contentAsTransmitted(GMimeObject* obj, GMimeFormatOptions* format,
+                                const Source& source) {
     if (GMIME_IS_PART(obj)) {
         GMimeDataWrapper* content = g_mime_part_get_content(GMIME_PART(obj));
         GMimeStream* stream = content ? g_mime_data_wrapper_get_stream(content) : nullptr;
-        return stream ? streamBytes(stream) : QByteArray();
+        return stream ? streamBytes(stream, source) : QByteArray();
     }
     GPtr<GMimeStream> mem(g_mime_stream_mem_new());
     g_mime_object_write_content_to_stream(obj, format, mem.get());
@@ -101,7 +111,8 @@ void readNaming(GMimeObject* obj, MimeEntity& e) {
     e.fileName = name;
 }
 
-MimeEntity build(GMimeObject* obj, int level, int depth, GMimeFormatOptions* format) {
+MimeEntity build(GMimeObject* obj, int level, int depth, GMimeFormatOptions* format,
+                 const Source& source) {
     MimeEntity e;
     const QByteArray contentType = rawHeader(obj, "Content-Type");
     if (contentType.isEmpty()) {
@@ -126,12 +137,13 @@ MimeEntity build(GMimeObject* obj, int level, int depth, GMimeFormatOptions* for
         const int count = g_mime_multipart_get_count(mp);
         e.parts.reserve(size_t(std::max(count, 0)));
         for (int i = 0; i < count; ++i)
-            e.parts.push_back(build(g_mime_multipart_get_part(mp, i), level + 1, depth, format));
+            e.parts.push_back(
+                build(g_mime_multipart_get_part(mp, i), level + 1, depth, format, source));
     }
     // A container whose boundary never shows has no parts; it is then
     // read as the single part it is, with its text as transmitted.
     if (e.parts.empty())
-        e.rawBody = contentAsTransmitted(obj, format);
+        e.rawBody = contentAsTransmitted(obj, format, source);
     return e;
 }
 
@@ -147,8 +159,18 @@ void collectHeaders(GMimeObject* obj, std::vector<Line>& out) {
     const int n = g_mime_header_list_get_count(list);
     for (int i = 0; i < n; ++i) {
         GMimeHeader* h = g_mime_header_list_get_header_at(list, i);
-        out.push_back({g_mime_header_get_offset(h), QByteArray(g_mime_header_get_name(h)) + ':' +
-                                                        unfold(g_mime_header_get_raw_value(h))});
+        // "Name:" and the unfolded value, made in one piece: a session reads
+        // tens of thousands of header lines.
+        const QByteArrayView name(g_mime_header_get_name(h));
+        const char* value = g_mime_header_get_raw_value(h);
+        const QByteArrayView raw(value ? value : "");
+        QByteArray line(name.size() + 1 + raw.size(), Qt::Uninitialized);
+        char* o = std::copy(name.begin(), name.end(), line.data());
+        *o++ = ':';
+        o = std::remove_copy_if(raw.begin(), raw.end(), o,
+                                [](char c) { return c == '\r' || c == '\n'; });
+        line.truncate(o - line.constData());
+        out.push_back({g_mime_header_get_offset(h), std::move(line)});
     }
 }
 
@@ -183,17 +205,44 @@ qsizetype MimeMessage::bodyOffset(QByteArrayView raw) {
     return raw.size();
 }
 
-MimeMessage MimeMessage::parse(QByteArrayView raw, int depth) {
+MimeMessage MimeMessage::parse(QByteArrayView raw, int depth, Bytes bytes) {
     GMimeRuntime::ensure();
     MimeMessage m;
-    m.m_body = raw.sliced(bodyOffset(raw)).toByteArray();
+    const QByteArrayView body = raw.sliced(bodyOffset(raw));
+    const bool borrowed = bytes == Bytes::Borrowed;
+    // The body as fetched, which a part without parts is; borrowed, it is
+    // only made when needed.
+    const QByteArray wholeBody =
+        borrowed ? QByteArray::fromRawData(body.data(), body.size()) : body.toByteArray();
+    if (!borrowed)
+        m.m_body = wholeBody;
 
-    GPtr<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(raw.data(), size_t(raw.size())));
+    // GMime reads the message where it lies rather than from a copy of its
+    // own: the stream is lent an array over raw and never writes to it,
+    // and every GMime object is gone before the array is let go (declared
+    // first, it goes last).
+    struct Lent {
+        GByteArray* array = nullptr;
+        ~Lent() {
+            if (array)
+                g_byte_array_free(array, FALSE); // the bytes stay the caller's
+        }
+    } lent;
+    GMimeStream* memory = nullptr;
+    if (!raw.isEmpty()) {
+        lent.array = g_byte_array_new_take(reinterpret_cast<guint8*>(const_cast<char*>(raw.data())),
+                                           size_t(raw.size()));
+        memory = g_mime_stream_mem_new_with_byte_array(lent.array);
+        g_mime_stream_mem_set_owner(GMIME_STREAM_MEM(memory), FALSE);
+    } else {
+        memory = g_mime_stream_mem_new_with_buffer(raw.data(), size_t(raw.size()));
+    }
+    GPtr<GMimeStream> stream(memory);
     GPtr<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
     g_mime_parser_set_format(parser.get(), GMIME_FORMAT_MESSAGE);
     GPtr<GMimeMessage> message(g_mime_parser_construct_message(parser.get(), nullptr));
     if (!message) {
-        m.m_root.rawBody = m.m_body;
+        m.m_root.rawBody = wholeBody;
         return m;
     }
 
@@ -218,13 +267,14 @@ MimeMessage MimeMessage::parse(QByteArrayView raw, int depth) {
         g_mime_format_options_set_newline_format(format, lf > 0 && raw[lf - 1] == '\r'
                                                              ? GMIME_NEWLINE_FORMAT_DOS
                                                              : GMIME_NEWLINE_FORMAT_UNIX);
-        m.m_root = build(top, 0, depth, format);
+        const Source source{raw, borrowed ? GMIME_STREAM_MEM(stream.get())->buffer : nullptr};
+        m.m_root = build(top, 0, depth, format, source);
         g_mime_format_options_free(format);
     }
     // GMime renders a container without parts with line ends of its own;
     // at the top the body as fetched is at hand, byte for byte.
     if (m.m_root.parts.empty())
-        m.m_root.rawBody = m.m_body;
+        m.m_root.rawBody = wholeBody;
     return m;
 }
 

@@ -39,11 +39,21 @@ struct MimeEntity {
 /// A parsed message; parsing never fails, a message that is not MIME is a
 /// single text/plain entity.
 class MimeMessage {
-  public:
+public:
     /// Levels of containers opened below the message itself.
     static constexpr int kDefaultDepth = 2;
 
-    static MimeMessage parse(QByteArrayView raw, int depth = kDefaultDepth);
+    /// How a parsed message holds the bytes of its bodies.
+    enum class Bytes {
+        Copied,
+        /// Each body is a window on raw, which must outlive the message,
+        /// and body() stays empty: for a caller that stores the message
+        /// and lets it go, sparing a copy of every byte.
+        Borrowed
+    };
+
+    static MimeMessage parse(QByteArrayView raw, int depth = kDefaultDepth,
+                             Bytes bytes = Bytes::Copied);
 
     const QList<QByteArray>& headerLines() const { return m_headerLines; }
     /// The value of the first header of that name (any letter case), without
@@ -62,7 +72,7 @@ class MimeMessage {
     /// Where the header block ends and the body begins in raw.
     static qsizetype bodyOffset(QByteArrayView raw);
 
-  private:
+private:
     QList<QByteArray> m_headerLines;
     MimeEntity m_root;
     QByteArray m_body;

@@ -44,7 +44,7 @@ void SqliteDb::create(const QString& path, const char* schemaSql) {
     }
 }
 
-void SqliteDb::bindBytes(SQLite::Statement& st, int index, const QByteArray& bytes) {
+void SqliteDb::bindBytes(SQLite::Statement& st, int index, const QByteArray& bytes, bool copy) {
     // Refused here, before the size is narrowed to an int: a part of more
     // than 2 GiB would otherwise be stored cut short without a word. (SQLite
     // itself refuses what is above its own, lower, limit.)
@@ -53,15 +53,19 @@ void SqliteDb::bindBytes(SQLite::Statement& st, int index, const QByteArray& byt
                                 " bytes is larger than the mail store holds");
     // A zero-length BLOB needs a non-null pointer, or SQLite stores NULL.
     static const char kEmpty = 0;
-    st.bind(index, bytes.isEmpty() ? static_cast<const void*>(&kEmpty) : bytes.constData(),
-            int(bytes.size()));
+    const void* data = bytes.isEmpty() ? static_cast<const void*>(&kEmpty) : bytes.constData();
+    if (copy)
+        st.bind(index, data, int(bytes.size()));
+    else
+        st.bindNoCopy(index, data, int(bytes.size()));
 }
 
-void SqliteDb::bindBytesOrNull(SQLite::Statement& st, int index, const QByteArray& bytes) {
+void SqliteDb::bindBytesOrNull(SQLite::Statement& st, int index, const QByteArray& bytes,
+                               bool copy) {
     if (bytes.isEmpty())
         st.bind(index);
     else
-        bindBytes(st, index, bytes);
+        bindBytes(st, index, bytes, copy);
 }
 
 QByteArray SqliteDb::columnBytes(SQLite::Statement& st, int index) {

@@ -68,9 +68,13 @@ public:
     template <typename Fn>
     auto run(Fn&& fn, bool write = true) -> decltype(fn(std::declval<SQLite::Database&>()));
 
-    static void bindBytes(SQLite::Statement& st, int index, const QByteArray& bytes);
+    /// Not copied (copy false), the bytes must stay as they are until the
+    /// statement has run: a received session binds some hundred megabytes.
+    static void bindBytes(SQLite::Statement& st, int index, const QByteArray& bytes,
+                          bool copy = true);
     /// NULL stays NULL: the caller tells an unassigned field from an empty one.
-    static void bindBytesOrNull(SQLite::Statement& st, int index, const QByteArray& bytes);
+    static void bindBytesOrNull(SQLite::Statement& st, int index, const QByteArray& bytes,
+                                bool copy = true);
     static QByteArray columnBytes(SQLite::Statement& st, int index);
 
     [[noreturn]] void fail(const std::exception& e) const;

@@ -47,15 +47,22 @@ bool ReceivedMessageStore::StoreReceivedMessage(QByteArrayView raw, QByteArrayVi
 
 ReceivedMessageStore::Result ReceivedMessageStore::store(QByteArrayView raw,
                                                          QByteArrayView folder) {
-    return store(MimeMessage::parse(raw), folder);
+    // The parts are written before this returns, while raw is still there:
+    // they need not be copied out of it.
+    return store(MimeMessage::parse(raw, MimeMessage::kDefaultDepth, MimeMessage::Bytes::Borrowed),
+                 raw.sliced(MimeMessage::bodyOffset(raw)), folder);
 }
 
 ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail,
                                                          QByteArrayView folder) {
+    return store(mail, mail.body(), folder);
+}
+
+ReceivedMessageStore::Result
+ReceivedMessageStore::store(const MimeMessage& mail, QByteArrayView body, QByteArrayView folder) {
     // Every lookup happens before anything of the message is written, so a
     // message that repeats its own Message-ID line is not its own duplicate.
-    const QList<DuplicateDetector::Key> keys =
-        DuplicateDetector::keysOf(mail.headerLines(), mail.body());
+    const QList<DuplicateDetector::Key> keys = DuplicateDetector::keysOf(mail.headerLines(), body);
     if (m_duplicates.isKnown(keys))
         return Result::Duplicate;
 
@@ -66,8 +73,12 @@ ReceivedMessageStore::Result ReceivedMessageStore::store(const MimeMessage& mail
     fields.date = mail.date();
 
     MessageRow row;
+    qsizetype headerBytes = 0;
     for (const QByteArray& line : mail.headerLines())
-        row.headers += line + "\r\n";
+        headerBytes += line.size() + 2;
+    row.headers.reserve(headerBytes);
+    for (const QByteArray& line : mail.headerLines())
+        row.headers.append(line).append("\r\n");
 
     m_text.clear();
     m_html.clear();

@@ -75,6 +75,8 @@ public:
     static QByteArray attachmentFilename(const MimeEntity& part);
 
 private:
+    /// body: the message's body as fetched, which its record may be keyed by.
+    Result store(const MimeMessage& mail, QByteArrayView body, QByteArrayView folder);
     void StoreMessagePart(const MimeEntity& part);
 
     MailStore& m_store;

@@ -45,7 +45,7 @@ QByteArray DuplicateDetector::MD5Hex(QByteArrayView text) {
 
 QByteArray DuplicateDetector::messageIdKey(QByteArrayView line) {
     if (line.size() <= kIdStart + 1 ||
-        line.first(11).toByteArray().toUpper() != QByteArrayLiteral("MESSAGE-ID:"))
+        line.first(11).compare("Message-ID:", Qt::CaseInsensitive) != 0)
         return {};
     // Names are trimmed when the file is read, so the ID is trimmed before
     // it is written: "< a@b>" is found again as "a@b".

@@ -348,9 +348,13 @@ qint32 MailStore::Writer::insertMessage(const NewIndexFields& fields, const Mess
             p.index.bind(column);
     }
     p.index.bind(5, count);
-    // Messages of one group mostly share their second: formatted once.
+    // Messages of one group mostly share their second: formatted once. The
+    // second is told by the local date and time the stamp is made of, which
+    // unlike the time since the epoch needs no look at the time zone.
     const QDateTime now = m_store.m_clock.now();
-    if (const qint64 second = now.toSecsSinceEpoch(); second != p.stamped || !now.isValid()) {
+    if (const qint64 second =
+            now.date().toJulianDay() * 86400 + now.time().msecsSinceStartOfDay() / 1000;
+        second != p.stamped || !now.isValid()) {
         p.stamped = second;
         p.stamp = now.toString(QLatin1String(kRealDateFormat)).toStdString();
     }
@@ -361,9 +365,10 @@ qint32 MailStore::Writer::insertMessage(const NewIndexFields& fields, const Mess
     m_file = p.dataFile;
     p.body.reset();
     p.body.bind(1, id);
-    SqliteDb::bindBytesOrNull(p.body, 2, bodies.text);
-    SqliteDb::bindBytesOrNull(p.body, 3, bodies.html);
-    SqliteDb::bindBytesOrNull(p.body, 4, bodies.headers);
+    // The caller's bytes outlive the statement's run: bound without a copy.
+    SqliteDb::bindBytesOrNull(p.body, 2, bodies.text, false);
+    SqliteDb::bindBytesOrNull(p.body, 3, bodies.html, false);
+    SqliteDb::bindBytesOrNull(p.body, 4, bodies.headers, false);
     p.body.exec();
     BodyCharsets::write(d, p.charsets, id, {bodies.textCharset, bodies.htmlCharset});
     return id;
@@ -375,7 +380,7 @@ void MailStore::Writer::insertAttachment(qint32 id, const AttachmentRow& attachm
     p.attachment.reset();
     p.attachment.bind(1, id);
     SqliteDb::bindBytes(p.attachment, 2, fieldText(attachment.filename));
-    SqliteDb::bindBytesOrNull(p.attachment, 3, attachment.data);
+    SqliteDb::bindBytesOrNull(p.attachment, 3, attachment.data, false);
     p.attachment.exec();
 }
 
