@@ -42,4 +42,14 @@ struct AttachmentRow {
     QByteArray data;
 };
 
+/// What the message view reads of one message: its rows in the three files,
+/// the charsets its bodies declared (empty: none), and the stored file name
+/// texts of its attachments, in stored order, without their bytes.
+struct ViewedRows {
+    std::optional<MessageRow> message;
+    std::optional<IndexRow> index;
+    QByteArray textCharset, htmlCharset;
+    std::vector<QByteArray> attachmentNames;
+};
+
 } // namespace mirel

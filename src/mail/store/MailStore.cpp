@@ -621,4 +621,56 @@ bool MailStore::setReaded(QByteArrayView folder, qint32 id, qint16 readed) {
     });
 }
 
+std::optional<ViewedRows> MailStore::readForView(QByteArrayView folder, qint32 id) {
+    // A connection parses the schema of each file it opens, which is most of
+    // what reading one row costs: the files are attached to one connection
+    // rather than opened once per read. The attachments file is attached
+    // only for a message that has any.
+    const std::string key = std::to_string(id);
+    ViewedRows out;
+    try {
+        SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+        attach(db, databasePath(folder, kDataFile), "data");
+        db.run(
+            [&](SQLite::Database& d) {
+                SqliteRows index(d, std::string("SELECT ") + kListColumns +
+                                        R"( FROM main."Index" WHERE "ID" = )" + key);
+                if (index.next())
+                    out.index = readIndex(index);
+                SqliteRows body(
+                    d,
+                    R"(SELECT "ID", "Text", "Html", "Headers" FROM data."Message" WHERE "ID" = )" +
+                        key);
+                if (body.next())
+                    out.message = MessageRow{
+                        body.integer(0), body.bytes(1), body.bytes(2), body.bytes(3), {}, {}};
+                SqliteRows table(d, R"(SELECT 1 FROM data.sqlite_master
+                                       WHERE type = 'table' AND name = 'BodyCharset')");
+                if (!table.next())
+                    return;
+                SqliteRows charsets(
+                    d, R"(SELECT "Text", "Html" FROM data."BodyCharset" WHERE "ID" = )" + key);
+                if (charsets.next()) {
+                    out.textCharset = charsets.bytes(0);
+                    out.htmlCharset = charsets.bytes(1);
+                }
+            },
+            false);
+        if (!out.index || out.index->attachments <= 0)
+            return out;
+        attach(db, databasePath(folder, kAttachmentsFile), "att");
+        db.run(
+            [&](SQLite::Database& d) {
+                SqliteRows names(d, R"(SELECT "Filename" FROM att."Attachments" WHERE "ID" = )" +
+                                        key + " ORDER BY rowid");
+                while (names.next())
+                    out.attachmentNames.push_back(names.bytes(0));
+            },
+            false);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+    return out;
+}
+
 } // namespace mirel
