@@ -17,6 +17,8 @@ struct IndexRow {
     /// ID, Readed, Attachments, Subject, From, Date, To joined by TAB: the
     /// hidden line the message list is built from.
     QByteArray listLine() const;
+    static QByteArray listLine(qint32 id, qint16 readed, qint32 attachments, QByteArrayView subject,
+                               QByteArrayView from, QByteArrayView date, QByteArrayView to);
 };
 
 /// The fields of a new index row. A field left unset is not written, so it

@@ -520,9 +520,11 @@ QList<QByteArray> MailStore::recentHeaders(QByteArrayView folder, int n) {
     return headers;
 }
 
-std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
-    std::vector<IndexRow> rows;
-    guarded(folder, [&] {
+// Every row of a folder's index, newest first, handed to row while SQLite
+// still holds its values; reserve is told first how many there are.
+template <typename Reserve, typename Row>
+bool MailStore::eachListRow(QByteArrayView folder, Reserve&& reserve, Row&& row) {
+    return guarded(folder, [&] {
         SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
         db.run(
             [&](SQLite::Database& d) {
@@ -530,15 +532,33 @@ std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
                 // rows) and spares growing ten thousand rows step by step.
                 SqliteRows count(d, R"(SELECT count(*) FROM "Index")");
                 if (count.next())
-                    rows.reserve(size_t(std::max(0, count.integer(0))));
+                    reserve(std::max(0, count.integer(0)));
                 SqliteRows st(d, std::string("SELECT ") + kListColumns +
                                      R"( FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
                 while (st.next())
-                    rows.push_back(readIndex(st));
+                    row(st);
             },
             false);
     });
+}
+
+std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
+    std::vector<IndexRow> rows;
+    eachListRow(
+        folder, [&](int count) { rows.reserve(size_t(count)); },
+        [&](const SqliteRows& st) { rows.push_back(readIndex(st)); });
     return rows;
+}
+
+QList<QByteArray> MailStore::FillMessageListLines(QByteArrayView folder) {
+    QList<QByteArray> lines;
+    eachListRow(
+        folder, [&](int count) { lines.reserve(count); },
+        [&](const SqliteRows& st) {
+            lines.append(IndexRow::listLine(st.integer(0), qint16(st.integer(6)), st.integer(5),
+                                            st.view(1), st.view(2), st.view(3), st.view(4)));
+        });
+    return lines;
 }
 
 QList<QByteArray> MailStore::FillOutboxList() {

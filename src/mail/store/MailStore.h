@@ -115,6 +115,10 @@ public:
     /// in the same second: the later one first). Their realDate is left
     /// unset. Empty on failure.
     std::vector<IndexRow> FillMessageIndexList(QByteArrayView folder);
+    /// The same rows as their list lines (IndexRow::listLine), made straight
+    /// from what the file holds: the hidden list of a screen needs nothing
+    /// else of them.
+    QList<QByteArray> FillMessageListLines(QByteArrayView folder);
     /// "From|ID" per message of the outbox, in stored order.
     QList<QByteArray> FillOutboxList();
 
@@ -139,6 +143,8 @@ private:
     /// as "data" and "att".
     std::unique_ptr<SqliteDb> openFolder(QByteArrayView folder);
     template <typename Fn> bool guarded(QByteArrayView folder, Fn&& fn);
+    template <typename Reserve, typename Row>
+    bool eachListRow(QByteArrayView folder, Reserve&& reserve, Row&& row);
     void report(QByteArrayView folder, const QString& file, const QString& reason);
     void createDatabase(QByteArrayView folder, const QString& fileName, const char* schema);
 
