@@ -106,9 +106,8 @@ QByteArray SqliteRows::bytes(int column) const {
 }
 
 QByteArrayView SqliteRows::view(int column) const {
-    if (sqlite3_column_type(m_st, column) == SQLITE_NULL)
-        return {};
-    // The pointer first, then the size, as SQLite asks.
+    // The pointer first, then the size, as SQLite asks; NULL gives no
+    // pointer and no bytes.
     const void* blob = sqlite3_column_blob(m_st, column);
     return QByteArrayView(static_cast<const char*>(blob), sqlite3_column_bytes(m_st, column));
 }

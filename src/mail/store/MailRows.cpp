@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 
 namespace mirel {
 
@@ -33,8 +34,14 @@ QByteArray IndexRow::listLine(qint32 id, qint16 readed, qint32 attachments, QByt
     }
     for (QByteArrayView field : fields) {
         *o++ = '\t';
-        // A TAB of a folded header would shift the columns.
-        o = std::replace_copy(field.begin(), field.end(), o, '\t', ' ');
+        if (!field.isEmpty())
+            memcpy(o, field.data(), size_t(field.size()));
+        // A TAB of a folded header would shift the columns. Few fields have
+        // one, so they are looked for after a plain copy.
+        for (char *tab = o, *end = o + field.size();
+             (tab = static_cast<char*>(memchr(tab, '\t', size_t(end - tab)))) != nullptr;)
+            *tab = ' ';
+        o += field.size();
     }
     return line;
 }

@@ -3,6 +3,8 @@
 #include "mail/mime/MailDisplayText.h"
 #include "settings/CommaList.h"
 
+#include <cstring>
+
 namespace mirel {
 
 namespace {
@@ -31,17 +33,20 @@ QByteArrayView nameOf(QByteArrayView address) {
 // is the recipient, and fields a short line lacks are empty.
 std::array<QByteArrayView, 7> split(QByteArrayView line) {
     std::array<QByteArrayView, 7> fields;
-    qsizetype start = 0;
+    const char* start = line.data();
+    const char* const end = start + line.size();
     for (size_t k = 0; k < 6; ++k) {
-        const qsizetype tab = line.indexOf('\t', start);
-        if (tab < 0) {
-            fields[k] = line.sliced(start);
+        const auto* tab = start == end
+                              ? nullptr
+                              : static_cast<const char*>(memchr(start, '\t', size_t(end - start)));
+        if (!tab) {
+            fields[k] = QByteArrayView(start, end - start);
             return fields;
         }
-        fields[k] = line.sliced(start, tab - start);
+        fields[k] = QByteArrayView(start, tab - start);
         start = tab + 1;
     }
-    fields[6] = line.sliced(start);
+    fields[6] = QByteArrayView(start, end - start);
     return fields;
 }
 
