@@ -132,9 +132,9 @@ public:
     std::optional<MessageRow> readMessageRow(QByteArrayView folder, qint32 id);
     std::vector<AttachmentRow> readAttachments(QByteArrayView folder, qint32 id);
     bool setReaded(QByteArrayView folder, qint32 id, qint16 readed);
-    /// The rows readIndexRow, readMessageRow and the declared charsets give,
-    /// and the attachments' file name texts when the index counts any, read
-    /// through one connection. Nothing when any file could not be read, and
+    /// The rows readIndexRow (without the stored time) and readMessageRow
+    /// give, the declared charsets, and the attachments' file name texts when
+    /// the index counts any, read through one connection. Nothing when any file could not be read, and
     /// nothing is reported then: the reads one by one say which file failed.
     std::optional<ViewedRows> readForView(QByteArrayView folder, qint32 id);
 
