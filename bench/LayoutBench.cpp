@@ -48,7 +48,9 @@ struct Fixture {
     std::unique_ptr<LayoutEngine> engine;
     QString skin;
 
-    Fixture() {
+    // extraPictures: more files in the theme folder, as a real theme has
+    // (the bundled one holds some two hundred).
+    explicit Fixture(int extraPictures = 0) {
         app();
         folders.ProgramDir = dir.path();
         folders.ThemeDir = QStringLiteral("\\theme\\");
@@ -57,6 +59,9 @@ struct Fixture {
         pic.fill(Qt::darkBlue);
         pic.save(dir.path() + QStringLiteral("/theme/b.bmp"));
         pic.save(dir.path() + QStringLiteral("/theme/p.bmp"));
+        for (int i = 0; i < extraPictures; ++i)
+            QFile::copy(dir.path() + QStringLiteral("/theme/b.bmp"),
+                        dir.path() + QStringLiteral("/theme/x%1.bmp").arg(i));
         QByteArray text = "[DEFAULT]\r\nBackGround=0,0,0\r\n[Busy]\r\n";
         static const char* const kLines[] = {
             "B,b.bmp,%1,10,40,20,click,click,0,COMMAND%1",
@@ -92,8 +97,7 @@ Fixture& fixture() {
     return f;
 }
 
-void BM_LayoutBusyScreen(benchmark::State& state) {
-    Fixture& f = fixture();
+void layoutBusyScreen(benchmark::State& state, Fixture& f) {
     SkinHost host;
     host.resize(1024, 768);
     for (auto _ : state) {
@@ -103,7 +107,20 @@ void BM_LayoutBusyScreen(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * kControls);
 }
+
+void BM_LayoutBusyScreen(benchmark::State& state) {
+    layoutBusyScreen(state, fixture());
+}
 BENCHMARK(BM_LayoutBusyScreen)->Unit(benchmark::kMillisecond);
+
+// The same screen from a theme folder of two hundred pictures: what a
+// screen asks of the folder (its override file is looked for there, and
+// missing) must not grow with the pictures it holds.
+void BM_LayoutBusyScreenFullFolder(benchmark::State& state) {
+    static Fixture full(200);
+    layoutBusyScreen(state, full);
+}
+BENCHMARK(BM_LayoutBusyScreenFullFolder)->Unit(benchmark::kMillisecond);
 
 // The reading part alone: the numbered lines with the override lookups.
 void BM_ReadSectionLines(benchmark::State& state) {
@@ -200,4 +217,5 @@ BENCHMARK(BM_SameWidgetsFloor)->Unit(benchmark::kMillisecond);
 
 MIREL_BOUND(BM_LayoutBusyScreen, BM_PlainWidgetsFloor, 3);
 MIREL_BOUND(BM_LayoutBusyScreen, BM_SameWidgetsFloor, 3);
+MIREL_BOUND(BM_LayoutBusyScreenFullFolder, BM_SameWidgetsFloor, 3);
 MIREL_FLOOR(BM_ReadSectionLines, BM_PlainWidgetsFloor);

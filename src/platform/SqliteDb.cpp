@@ -106,11 +106,14 @@ int SqliteRows::integer(int column) const {
 }
 
 QByteArray SqliteRows::bytes(int column) const {
-    if (sqlite3_column_type(m_st, column) == SQLITE_NULL)
-        return {};
-    // The pointer first, then the size, as SQLite asks.
+    return view(column).toByteArray();
+}
+
+QByteArrayView SqliteRows::view(int column) const {
+    // The pointer first, then the size, as SQLite asks; NULL gives no
+    // pointer and no bytes.
     const void* blob = sqlite3_column_blob(m_st, column);
-    return QByteArray(static_cast<const char*>(blob), sqlite3_column_bytes(m_st, column));
+    return QByteArrayView(static_cast<const char*>(blob), sqlite3_column_bytes(m_st, column));
 }
 
 void SqliteDb::fail(const std::exception& e) const {

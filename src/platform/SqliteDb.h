@@ -44,6 +44,8 @@ public:
     int integer(int column) const;
     /// Raw bytes whatever the stored type; NULL reads as empty.
     QByteArray bytes(int column) const;
+    /// The same bytes where SQLite keeps them, valid until the next step.
+    QByteArrayView view(int column) const;
 
 private:
     sqlite3* m_db;

@@ -1,14 +1,14 @@
 #include "ui/ThemePictures.h"
 
-#include <QDateTime>
-#include <QFileInfo>
+#include <QFile>
 #include <QHash>
+#include <sys/stat.h>
 
 namespace mirel {
 namespace {
 
 struct Entry {
-    QDateTime modified;
+    qint64 modifiedNs = 0;
     qint64 size = 0;
     QPixmap picture;
 };
@@ -35,18 +35,20 @@ qint64 bytesOf(const QPixmap& p) {
 
 QPixmap ThemePictures::get(const QString& path) {
     Cache& c = cache();
-    const QFileInfo info(path);
-    if (!info.isFile()) {
+    // One plain stat per picture asked for: a screen asks for dozens, and a
+    // file time made into a local date costs a time zone lookup each.
+    struct stat st {};
+    if (::stat(QFile::encodeName(path).constData(), &st) != 0 || !S_ISREG(st.st_mode)) {
         if (const auto it = c.entries.constFind(path); it != c.entries.cend()) {
             c.bytes -= bytesOf(it->picture);
             c.entries.erase(it);
         }
         return {};
     }
-    const QDateTime modified = info.lastModified();
-    const qint64 size = info.size();
+    const qint64 modifiedNs = qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+    const qint64 size = st.st_size;
     if (const auto it = c.entries.constFind(path);
-        it != c.entries.cend() && it->modified == modified && it->size == size)
+        it != c.entries.cend() && it->modifiedNs == modifiedNs && it->size == size)
         return it->picture;
 
     const QPixmap picture(path);
@@ -56,7 +58,7 @@ QPixmap ThemePictures::get(const QString& path) {
     }
     Entry& e = c.entries[path];
     c.bytes += bytesOf(picture) - bytesOf(e.picture);
-    e = Entry{modified, size, picture};
+    e = Entry{modifiedNs, size, picture};
     return picture;
 }
 

@@ -17,6 +17,8 @@ struct IndexRow {
     /// ID, Readed, Attachments, Subject, From, Date, To joined by TAB: the
     /// hidden line the message list is built from.
     QByteArray listLine() const;
+    static QByteArray listLine(qint32 id, qint16 readed, qint32 attachments, QByteArrayView subject,
+                               QByteArrayView from, QByteArrayView date, QByteArrayView to);
 };
 
 /// The fields of a new index row. A field left unset is not written, so it
@@ -40,6 +42,16 @@ struct MessageRow {
 struct AttachmentRow {
     QByteArray filename;
     QByteArray data;
+};
+
+/// What the message view reads of one message: its rows in the three files,
+/// the charsets its bodies declared (empty: none), and the stored file name
+/// texts of its attachments, in stored order, without their bytes.
+struct ViewedRows {
+    std::optional<MessageRow> message;
+    std::optional<IndexRow> index;
+    QByteArray textCharset, htmlCharset;
+    std::vector<QByteArray> attachmentNames;
 };
 
 } // namespace mirel

@@ -525,9 +525,11 @@ QList<QByteArray> MailStore::recentHeaders(QByteArrayView folder, int n) {
     return headers;
 }
 
-std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
-    std::vector<IndexRow> rows;
-    guarded(folder, [&] {
+// Every row of a folder's index, newest first, handed to row while SQLite
+// still holds its values; reserve is told first how many there are.
+template <typename Reserve, typename Row>
+bool MailStore::eachListRow(QByteArrayView folder, Reserve&& reserve, Row&& row) {
+    return guarded(folder, [&] {
         SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
         db.run(
             [&](SQLite::Database& d) {
@@ -535,15 +537,33 @@ std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
                 // rows) and spares growing ten thousand rows step by step.
                 SqliteRows count(d, R"(SELECT count(*) FROM "Index")");
                 if (count.next())
-                    rows.reserve(size_t(std::max(0, count.integer(0))));
+                    reserve(std::max(0, count.integer(0)));
                 SqliteRows st(d, std::string("SELECT ") + kListColumns +
                                      R"( FROM "Index" ORDER BY "RealDate" DESC, "ID" DESC)");
                 while (st.next())
-                    rows.push_back(readIndex(st));
+                    row(st);
             },
             false);
     });
+}
+
+std::vector<IndexRow> MailStore::FillMessageIndexList(QByteArrayView folder) {
+    std::vector<IndexRow> rows;
+    eachListRow(
+        folder, [&](int count) { rows.reserve(size_t(count)); },
+        [&](const SqliteRows& st) { rows.push_back(readIndex(st)); });
     return rows;
+}
+
+QList<QByteArray> MailStore::FillMessageListLines(QByteArrayView folder) {
+    QList<QByteArray> lines;
+    eachListRow(
+        folder, [&](int count) { lines.reserve(count); },
+        [&](const SqliteRows& st) {
+            lines.append(IndexRow::listLine(st.integer(0), qint16(st.integer(6)), st.integer(5),
+                                            st.view(1), st.view(2), st.view(3), st.view(4)));
+        });
+    return lines;
 }
 
 QList<QByteArray> MailStore::FillOutboxList() {
@@ -624,6 +644,58 @@ bool MailStore::setReaded(QByteArrayView folder, qint32 id, qint16 readed) {
             st.exec();
         });
     });
+}
+
+std::optional<ViewedRows> MailStore::readForView(QByteArrayView folder, qint32 id) {
+    // A connection parses the schema of each file it opens, which is most of
+    // what reading one row costs: the files are attached to one connection
+    // rather than opened once per read. The attachments file is attached
+    // only for a message that has any.
+    const std::string key = std::to_string(id);
+    ViewedRows out;
+    try {
+        SqliteDb db(databasePath(folder, kIndexFile), m_busyTimeoutMs);
+        attach(db, databasePath(folder, kDataFile), "data");
+        db.run(
+            [&](SQLite::Database& d) {
+                SqliteRows index(d, std::string("SELECT ") + kListColumns +
+                                        R"( FROM main."Index" WHERE "ID" = )" + key);
+                if (index.next())
+                    out.index = readIndex(index);
+                SqliteRows body(
+                    d,
+                    R"(SELECT "ID", "Text", "Html", "Headers" FROM data."Message" WHERE "ID" = )" +
+                        key);
+                if (body.next())
+                    out.message = MessageRow{
+                        body.integer(0), body.bytes(1), body.bytes(2), body.bytes(3), {}, {}};
+                SqliteRows table(d, R"(SELECT 1 FROM data.sqlite_master
+                                       WHERE type = 'table' AND name = 'BodyCharset')");
+                if (!table.next())
+                    return;
+                SqliteRows charsets(
+                    d, R"(SELECT "Text", "Html" FROM data."BodyCharset" WHERE "ID" = )" + key);
+                if (charsets.next()) {
+                    out.textCharset = charsets.bytes(0);
+                    out.htmlCharset = charsets.bytes(1);
+                }
+            },
+            false);
+        if (!out.index || out.index->attachments <= 0)
+            return out;
+        attach(db, databasePath(folder, kAttachmentsFile), "att");
+        db.run(
+            [&](SQLite::Database& d) {
+                SqliteRows names(d, R"(SELECT "Filename" FROM att."Attachments" WHERE "ID" = )" +
+                                        key + " ORDER BY rowid");
+                while (names.next())
+                    out.attachmentNames.push_back(names.bytes(0));
+            },
+            false);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+    return out;
 }
 
 } // namespace mirel

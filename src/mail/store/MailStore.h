@@ -115,6 +115,10 @@ public:
     /// in the same second: the later one first). Their realDate is left
     /// unset. Empty on failure.
     std::vector<IndexRow> FillMessageIndexList(QByteArrayView folder);
+    /// The same rows as their list lines (IndexRow::listLine), made straight
+    /// from what the file holds: the hidden list of a screen needs nothing
+    /// else of them.
+    QList<QByteArray> FillMessageListLines(QByteArrayView folder);
     /// "From|ID" per message of the outbox, in stored order.
     QList<QByteArray> FillOutboxList();
 
@@ -128,12 +132,19 @@ public:
     std::optional<MessageRow> readMessageRow(QByteArrayView folder, qint32 id);
     std::vector<AttachmentRow> readAttachments(QByteArrayView folder, qint32 id);
     bool setReaded(QByteArrayView folder, qint32 id, qint16 readed);
+    /// The rows readIndexRow (without the stored time) and readMessageRow
+    /// give, the declared charsets, and the attachments' file name texts when
+    /// the index counts any, read through one connection. Nothing when any file could not be read, and
+    /// nothing is reported then: the reads one by one say which file failed.
+    std::optional<ViewedRows> readForView(QByteArrayView folder, qint32 id);
 
 private:
     /// The folder's index file with its data and attachments files attached
     /// as "data" and "att".
     std::unique_ptr<SqliteDb> openFolder(QByteArrayView folder);
     template <typename Fn> bool guarded(QByteArrayView folder, Fn&& fn);
+    template <typename Reserve, typename Row>
+    bool eachListRow(QByteArrayView folder, Reserve&& reserve, Row&& row);
     void report(QByteArrayView folder, const QString& file, const QString& reason);
     void createDatabase(QByteArrayView folder, const QString& fileName, const char* schema);
 

@@ -132,8 +132,7 @@ void EmailScreen::ShowEmailScreen() {
     m_list->clearSelection();
     m_view.setShownRow(-1);
     m_lines.clear();
-    for (const IndexRow& row : m_store.FillMessageIndexList(m_view.currentFolder()))
-        m_lines.append(row.listLine());
+    m_lines = m_store.FillMessageListLines(m_view.currentFolder());
     FillMessageList();
     ClearMessageView();
 }
@@ -167,9 +166,9 @@ void EmailScreen::FillMessageList() {
     m_filling = true;
     QList<QTreeWidgetItem*> batch;
     for (qsizetype i = 0; i < m_lines.size(); ++i) {
-        const MessageListLine line = MessageListLine::parse(m_lines[i]);
-        auto* item = new QTreeWidgetItem(line.columns());
-        rowColours(item, line.isRead());
+        bool read = false;
+        auto* item = new QTreeWidgetItem(MessageListLine::columnsOf(m_lines[i], &read));
+        rowColours(item, read);
         batch.append(item);
         if (batch.size() == kFillBatch || i + 1 == m_lines.size()) {
             m_list->addTopLevelItems(batch);

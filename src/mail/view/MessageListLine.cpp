@@ -3,6 +3,8 @@
 #include "mail/mime/MailDisplayText.h"
 #include "settings/CommaList.h"
 
+#include <cstring>
+
 namespace mirel {
 
 namespace {
@@ -26,23 +28,54 @@ QByteArrayView nameOf(QByteArrayView address) {
     return close < 0 ? address.sliced(1) : address.sliced(1, close - 1);
 }
 
+// The seven fields of a line where they stand: ID, Readed, Attachments,
+// Subject, From, Date and To. Splits at TAB; whatever follows the sixth TAB
+// is the recipient, and fields a short line lacks are empty.
+std::array<QByteArrayView, 7> split(QByteArrayView line) {
+    std::array<QByteArrayView, 7> fields;
+    const char* start = line.data();
+    const char* const end = start + line.size();
+    for (size_t k = 0; k < 6; ++k) {
+        const auto* tab = start == end
+                              ? nullptr
+                              : static_cast<const char*>(memchr(start, '\t', size_t(end - start)));
+        if (!tab) {
+            fields[k] = QByteArrayView(start, end - start);
+            return fields;
+        }
+        fields[k] = QByteArrayView(start, tab - start);
+        start = tab + 1;
+    }
+    fields[6] = QByteArrayView(start, end - start);
+    return fields;
+}
+
+QStringList rowColumns(QByteArrayView attachments, QByteArrayView subject, QByteArrayView from,
+                       QByteArrayView date, QByteArrayView to) {
+    return {leadingNumber(attachments) > 0 ? QStringLiteral("*") : QStringLiteral(" "),
+            QString(),
+            shown(nameOf(from)),
+            QString(),
+            shown(subject),
+            QString(),
+            shown(date),
+            QString(),
+            shown(nameOf(to))};
+}
+
 } // namespace
 
 MessageListLine MessageListLine::parse(QByteArrayView line) {
-    MessageListLine l;
-    QByteArray* fields[] = {&l.id, &l.readed, &l.attachments, &l.subject, &l.from, &l.date};
-    qsizetype start = 0;
-    for (QByteArray* field : fields) {
-        const qsizetype tab = line.indexOf('\t', start);
-        if (tab < 0) {
-            *field = line.sliced(start).toByteArray();
-            return l;
-        }
-        *field = line.sliced(start, tab - start).toByteArray();
-        start = tab + 1;
-    }
-    l.to = line.sliced(start).toByteArray();
-    return l;
+    const std::array<QByteArrayView, 7> f = split(line);
+    return {f[0].toByteArray(), f[1].toByteArray(), f[2].toByteArray(), f[3].toByteArray(),
+            f[4].toByteArray(), f[5].toByteArray(), f[6].toByteArray()};
+}
+
+QStringList MessageListLine::columnsOf(QByteArrayView line, bool* read) {
+    const std::array<QByteArrayView, 7> f = split(line);
+    if (read)
+        *read = leadingNumber(f[1]) > 0;
+    return rowColumns(f[2], f[3], f[4], f[5], f[6]);
 }
 
 qint32 MessageListLine::messageId() const {
@@ -72,15 +105,7 @@ QByteArray MessageListLine::displayName(QByteArrayView address) {
 }
 
 QStringList MessageListLine::columns() const {
-    return {hasAttachments() ? QStringLiteral("*") : QStringLiteral(" "),
-            QString(),
-            shown(nameOf(from)),
-            QString(),
-            shown(subject),
-            QString(),
-            shown(date),
-            QString(),
-            shown(nameOf(to))};
+    return rowColumns(attachments, subject, from, date, to);
 }
 
 std::array<int, 9> MessageListLine::columnWidths(int listWidth) {

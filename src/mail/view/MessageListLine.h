@@ -28,6 +28,9 @@ struct MessageListLine {
     /// received; encoded words in subject and names are decoded here, for
     /// the eye only.
     QStringList columns() const;
+    /// The columns of a line and whether it is read, without a copy of its
+    /// fields: a folder's list builds thousands.
+    static QStringList columnsOf(QByteArrayView line, bool* read = nullptr);
 
     /// Column widths for a list of the given width: the marker column, four
     /// quarter columns and the narrow gaps between them.

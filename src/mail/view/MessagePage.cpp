@@ -2,7 +2,11 @@
 
 #include "mail/mime/MailDisplayText.h"
 
+#include <QtAlgorithms>
 #include <cctype>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 #include <cstring>
 #include <vector>
 
@@ -15,12 +19,6 @@ const QByteArray kTextHead =
 const QByteArray kTextTail = QByteArrayLiteral("</BODY></HTML>");
 const QByteArray kLinkHead = QByteArrayLiteral("<HTML><HEAD><base target=_blank></HEAD>");
 const QByteArray kDarkBody = QByteArrayLiteral("BODY BGCOLOR=#000000 TEXT=#FFFFFF");
-
-// The rest of a tag from its "<": up to its ">", or to the end of the page.
-qsizetype tagEnd(const QByteArray& page, qsizetype from) {
-    const qsizetype close = page.indexOf('>', from);
-    return close < 0 ? page.size() : close;
-}
 
 char asciiUpper(char c) {
     return c >= 'a' && c <= 'z' ? char(c - 32) : c;
@@ -38,16 +36,44 @@ bool matchesNoCase(const char* at, QByteArrayView upper) {
 }
 
 // Where `upper` (upper-case ASCII) first stands at or after `from` in any
-// letter case, as in an upper-cased copy of the page. The C library looks
-// for a mark of the needle that has no case ("<", ":", "="), so a page is
-// searched where it is, neither copied nor walked byte by byte.
+// letter case, as in an upper-cased copy of the page. A mark of the needle
+// that has no case ("<", ":", "=") is looked for where the page is, neither
+// copied nor walked byte by byte: sixteen bytes at a time together with the
+// byte beside it (a page holds a "<" every few dozen bytes, but few "<F"),
+// then by the C library for what is left.
 qsizetype indexOfNoCase(QByteArrayView page, QByteArrayView upper, qsizetype from = 0) {
+    const qsizetype n = upper.size();
     qsizetype mark = 0;
-    while (mark < upper.size() && isAsciiLetter(upper[mark]))
+    while (mark < n && isAsciiLetter(upper[mark]))
         ++mark;
-    const qsizetype last = page.size() - upper.size();
-    for (qsizetype i = qMax<qsizetype>(from, 0); i <= last; ++i) {
-        if (mark < upper.size()) {
+    const qsizetype last = page.size() - n;
+    qsizetype i = qMax<qsizetype>(from, 0);
+#ifdef __SSE2__
+    if (const qsizetype beside = mark + 1 < n ? mark + 1 : mark - 1; mark < n && beside >= 0) {
+        // Or-ing 0x20 folds a letter to lower case; other bytes it may turn
+        // into a letter, so a hit is a candidate that a full match confirms.
+        const bool letter = isAsciiLetter(upper[beside]);
+        const __m128i fold = _mm_set1_epi8(letter ? 0x20 : 0);
+        const __m128i wantMark = _mm_set1_epi8(upper[mark]);
+        const __m128i wantBeside = _mm_set1_epi8(char(upper[beside] | (letter ? 0x20 : 0)));
+        const auto load = [&](qsizetype at) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(page.data() + at));
+        };
+        for (; i + 15 <= last; i += 16) {
+            const __m128i marks = _mm_cmpeq_epi8(load(i + mark), wantMark);
+            const __m128i besides =
+                _mm_cmpeq_epi8(_mm_or_si128(load(i + beside), fold), wantBeside);
+            unsigned hits = unsigned(_mm_movemask_epi8(_mm_and_si128(marks, besides)));
+            for (; hits; hits &= hits - 1) {
+                const qsizetype at = i + qCountTrailingZeroBits(hits);
+                if (matchesNoCase(page.data() + at, upper))
+                    return at;
+            }
+        }
+    }
+#endif
+    for (; i <= last; ++i) {
+        if (mark < n) {
             const void* hit = memchr(page.data() + i + mark, upper[mark], size_t(last - i + 1));
             if (!hit)
                 return -1;
@@ -138,8 +164,11 @@ void whitenBlackFonts(QByteArray& page, qsizetype from) {
         }
         from = open + 5;
     }
+    if (black.empty())
+        return;
+    char* bytes = page.data(); // one detach for all of them
     for (qsizetype hash : black)
-        page.replace(hash + 1, 6, "FFFFFF");
+        memcpy(bytes + hash + 1, "FFFFFF", 6);
 }
 
 } // namespace
@@ -221,18 +250,27 @@ QByteArray MessagePage::linkAddresses(QByteArray page) {
 }
 
 QByteArray MessagePage::fromHtml(QByteArrayView html) {
-    QByteArray page = html.toByteArray();
-    const qsizetype body = indexOfNoCase(page, "<BODY");
+    const qsizetype body = indexOfNoCase(html, "<BODY");
     // A page that begins with its body tag, or has none, keeps its own head
     // and colours.
-    if (body > 0) {
-        page = kLinkHead + page.mid(body);
-        const qsizetype open = kLinkHead.size();
-        const qsizetype end = tagEnd(page, open);
-        if (!isDark(page.mid(open, end - open).toUpper())) {
-            page.replace(open + 1, end - open - 1, kDarkBody);
-            whitenBlackFonts(page, open + 1 + kDarkBody.size());
-        }
+    if (body <= 0)
+        return repairEndTag(html.toByteArray());
+    // Made in one piece: the head, the body tag (darkened unless it is dark
+    // already) and the rest, with room for the end tag's repair.
+    const qsizetype close = html.indexOf('>', body);
+    const qsizetype end = close < 0 ? html.size() : close;
+    const bool dark = isDark(html.sliced(body, end - body).toByteArray().toUpper());
+    QByteArray page;
+    page.reserve(kLinkHead.size() + kDarkBody.size() + html.size() - body + 8);
+    page += kLinkHead;
+    if (dark) {
+        page += html.sliced(body);
+    } else {
+        page += '<';
+        page += kDarkBody;
+        const qsizetype fonts = page.size();
+        page += html.sliced(end);
+        whitenBlackFonts(page, fonts);
     }
     return repairEndTag(std::move(page));
 }

@@ -7,12 +7,25 @@
 #include <QFile>
 #include <QUrlQuery>
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace mirel {
 namespace {
+
+bool writeAll(int fd, QByteArrayView bytes) {
+    for (qsizetype done = 0; done < bytes.size();) {
+        const ssize_t n = ::write(fd, bytes.data() + done, size_t(bytes.size() - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += n;
+    }
+    return true;
+}
 
 // The page is scratch, rebuilt from the store whenever a message opens: it
 // must never be seen half written, but it need not survive a power cut, so
@@ -23,22 +36,26 @@ void writeScratchPage(const QString& path, const QByteArray& page) {
     const QByteArray target = QFile::encodeName(path);
     const QByteArray part = target + ".part";
     struct stat existing {};
-    const mode_t mode =
-        ::stat(target.constData(), &existing) == 0 ? existing.st_mode & 07777 : 0600;
+    const bool exists = ::stat(target.constData(), &existing) == 0;
+    const mode_t mode = exists ? existing.st_mode & 07777 : 0600;
     ::unlink(part.constData()); // a leftover may belong to someone else or be a link
     const int fd = ::open(part.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (fd < 0)
         return;
-    const QByteArray body = page + "\r\n";
-    bool ok = ::fchmod(fd, mode) == 0;
-    for (qsizetype done = 0; ok && done < body.size();) {
-        const ssize_t n = ::write(fd, body.constData() + done, size_t(body.size() - done));
-        if (n < 0 && errno == EINTR)
-            continue;
-        ok = n > 0;
-        done += n;
-    }
+    // The line end goes in a write of its own: appending it would copy the page.
+    bool ok = ::fchmod(fd, mode) == 0 && writeAll(fd, page) && writeAll(fd, "\r\n");
     ok = ::close(fd) == 0 && ok;
+    // Swapping the two names rather than renaming over the old page: some
+    // file systems take a rename onto an existing file as a sign that the
+    // new one must reach the disk soon, and start writing it out there and
+    // then, which a scratch page does not need. The old page, now under the
+    // part name, goes unwritten.
+    if (ok && exists && S_ISREG(existing.st_mode) &&
+        ::renameat2(AT_FDCWD, part.constData(), AT_FDCWD, target.constData(), RENAME_EXCHANGE) ==
+            0) {
+        ::unlink(part.constData());
+        return;
+    }
     if (!ok || ::rename(part.constData(), target.constData()) != 0)
         ::unlink(part.constData());
 }
@@ -64,15 +81,36 @@ QString MessageView::blankPagePath() const {
     return m_store.blankPagePath();
 }
 
+namespace {
+
+// The rows read file by file, each read reporting its own failure: what a
+// message shows when one of its files cannot be read in one go.
+ViewedRows readOneByOne(MailStore& store, QByteArrayView folder, qint32 id) {
+    ViewedRows rows;
+    rows.message = store.readMessageRow(folder, id);
+    rows.index = store.readIndexRow(folder, id);
+    const BodyCharsets declared = BodyCharsets::read(store, folder, id);
+    rows.textCharset = declared.text;
+    rows.htmlCharset = declared.html;
+    if (rows.index && rows.index->attachments > 0)
+        for (const AttachmentRow& a : store.readAttachments(folder, id))
+            rows.attachmentNames.push_back(a.filename);
+    return rows;
+}
+
+} // namespace
+
 const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
+    std::optional<ViewedRows> read = m_store.readForView(folder, id);
+    const ViewedRows rows = read ? std::move(*read) : readOneByOne(m_store, folder, id);
     ShownMessage m;
     m.id = id;
-    if (const auto row = m_store.readMessageRow(folder, id)) {
+    if (const auto& row = rows.message) {
         m.text = row->text;
         m.headers = row->headers;
         m.page = row->html;
     }
-    if (const auto index = m_store.readIndexRow(folder, id)) {
+    if (const auto& index = rows.index) {
         if (index->readed != 1) // opening a read message again writes nothing
             m_store.setReaded(folder, id, 1);
         m.from = index->from;
@@ -88,10 +126,10 @@ const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
     // HTML's own head, where a meta tag declares it.
     m.charset = MessagePage::displayCharset(m.page, m.headers);
     // What the shown body's own part declared beats a guess from the top.
-    const BodyCharsets declared = BodyCharsets::read(m_store, folder, id);
-    if (const QByteArray& own = m.page.isEmpty() ? declared.text : declared.html; !own.isEmpty())
+    if (const QByteArray& own = m.page.isEmpty() ? rows.textCharset : rows.htmlCharset;
+        !own.isEmpty())
         m.charset = own;
-    m.textCharset = declared.text.isEmpty() ? m.charset : declared.text;
+    m.textCharset = rows.textCharset.isEmpty() ? m.charset : rows.textCharset;
     m.page = MessagePage::build(m.text, m.page);
 
     writeScratchPage(pagePath(), m.page);
@@ -99,8 +137,8 @@ const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
     m.summary += m.text + "\r\n\r\n";
     if (m.attachments > 0) {
         m.summary += "Attachments:\r\n";
-        for (const AttachmentRow& a : m_store.readAttachments(folder, id)) {
-            m.attachmentNames.append(attachmentName(a.filename));
+        for (const QByteArray& filename : rows.attachmentNames) {
+            m.attachmentNames.append(attachmentName(filename));
             m.summary += m.attachmentNames.last() + "\r\n";
         }
     }
