@@ -33,23 +33,27 @@ void BodyCharsets::write(SQLite::Database& d, std::unique_ptr<SQLite::Statement>
     st.exec();
 }
 
+BodyCharsets BodyCharsets::read(SQLite::Database& d, const std::string& schema, qint32 id) {
+    BodyCharsets out;
+    // The table appears with the first message that declares a charset.
+    SqliteRows table(d, "SELECT 1 FROM " + schema +
+                            R"(.sqlite_master WHERE type = 'table' AND name = 'BodyCharset')");
+    if (!table.next())
+        return out;
+    SqliteRows st(d, R"(SELECT "Text", "Html" FROM )" + schema + R"(."BodyCharset" WHERE "ID" = )" +
+                         std::to_string(id));
+    if (st.next()) {
+        out.text = st.bytes(0);
+        out.html = st.bytes(1);
+    }
+    return out;
+}
+
 BodyCharsets BodyCharsets::read(const MailStore& store, QByteArrayView folder, qint32 id) {
     BodyCharsets out;
     try {
         SqliteDb db(dataFile(store, folder), kBusyMs);
-        db.run(
-            [&](SQLite::Database& d) {
-                if (!d.tableExists("BodyCharset"))
-                    return;
-                SQLite::Statement st(d,
-                                     R"(SELECT "Text", "Html" FROM "BodyCharset" WHERE "ID" = ?)");
-                st.bind(1, id);
-                if (st.executeStep()) {
-                    out.text = SqliteDb::columnBytes(st, 0);
-                    out.html = SqliteDb::columnBytes(st, 1);
-                }
-            },
-            false);
+        db.run([&](SQLite::Database& d) { out = read(d, "main", id); }, false);
     } catch (const SqliteError&) {
     }
     return out;

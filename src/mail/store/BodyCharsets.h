@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QString>
 #include <memory>
+#include <string>
 
 namespace SQLite {
 class Database;
@@ -31,6 +32,9 @@ struct BodyCharsets {
     static void write(SQLite::Database& d, std::unique_ptr<SQLite::Statement>& insert, qint32 id,
                       const BodyCharsets& charsets);
     static BodyCharsets read(const MailStore& store, QByteArrayView folder, qint32 id);
+    /// The same, on a connection that has the data file open as schema
+    /// ("main" when it is the file opened, else its attached name).
+    static BodyCharsets read(SQLite::Database& d, const std::string& schema, qint32 id);
 };
 
 } // namespace mirel

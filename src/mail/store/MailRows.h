@@ -1,4 +1,6 @@
 #pragma once
+#include "mail/store/BodyCharsets.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <optional>
@@ -50,7 +52,7 @@ struct AttachmentRow {
 struct ViewedRows {
     std::optional<MessageRow> message;
     std::optional<IndexRow> index;
-    QByteArray textCharset, htmlCharset;
+    BodyCharsets charsets;
     std::vector<QByteArray> attachmentNames;
 };
 

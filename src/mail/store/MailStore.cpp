@@ -669,16 +669,7 @@ std::optional<ViewedRows> MailStore::readForView(QByteArrayView folder, qint32 i
                 if (body.next())
                     out.message = MessageRow{
                         body.integer(0), body.bytes(1), body.bytes(2), body.bytes(3), {}, {}};
-                SqliteRows table(d, R"(SELECT 1 FROM data.sqlite_master
-                                       WHERE type = 'table' AND name = 'BodyCharset')");
-                if (!table.next())
-                    return;
-                SqliteRows charsets(
-                    d, R"(SELECT "Text", "Html" FROM data."BodyCharset" WHERE "ID" = )" + key);
-                if (charsets.next()) {
-                    out.textCharset = charsets.bytes(0);
-                    out.htmlCharset = charsets.bytes(1);
-                }
+                out.charsets = BodyCharsets::read(d, "data", id);
             },
             false);
         if (!out.index || out.index->attachments <= 0)

@@ -134,8 +134,8 @@ public:
     bool setReaded(QByteArrayView folder, qint32 id, qint16 readed);
     /// The rows readIndexRow (without the stored time) and readMessageRow
     /// give, the declared charsets, and the attachments' file name texts when
-    /// the index counts any, read through one connection. Nothing when any file could not be read, and
-    /// nothing is reported then: the reads one by one say which file failed.
+    /// the index counts any, read through one connection. Nothing when any file could not be read,
+    /// and nothing is reported then: the reads one by one say which file failed.
     std::optional<ViewedRows> readForView(QByteArrayView folder, qint32 id);
 
 private:

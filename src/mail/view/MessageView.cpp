@@ -89,9 +89,7 @@ ViewedRows readOneByOne(MailStore& store, QByteArrayView folder, qint32 id) {
     ViewedRows rows;
     rows.message = store.readMessageRow(folder, id);
     rows.index = store.readIndexRow(folder, id);
-    const BodyCharsets declared = BodyCharsets::read(store, folder, id);
-    rows.textCharset = declared.text;
-    rows.htmlCharset = declared.html;
+    rows.charsets = BodyCharsets::read(store, folder, id);
     if (rows.index && rows.index->attachments > 0)
         for (const AttachmentRow& a : store.readAttachments(folder, id))
             rows.attachmentNames.push_back(a.filename);
@@ -126,10 +124,10 @@ const ShownMessage& MessageView::ShowMessage(QByteArrayView folder, qint32 id) {
     // HTML's own head, where a meta tag declares it.
     m.charset = MessagePage::displayCharset(m.page, m.headers);
     // What the shown body's own part declared beats a guess from the top.
-    if (const QByteArray& own = m.page.isEmpty() ? rows.textCharset : rows.htmlCharset;
+    if (const QByteArray& own = m.page.isEmpty() ? rows.charsets.text : rows.charsets.html;
         !own.isEmpty())
         m.charset = own;
-    m.textCharset = rows.textCharset.isEmpty() ? m.charset : rows.textCharset;
+    m.textCharset = rows.charsets.text.isEmpty() ? m.charset : rows.charsets.text;
     m.page = MessagePage::build(m.text, m.page);
 
     writeScratchPage(pagePath(), m.page);
