@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         std::abort();
 
     const MessageListLine line = MessageListLine::parse(bytes);
-    line.columns();
+    MessageListLine::columnsOf(bytes);
     const MessageListLine read = MessageListLine::parse(MessageListLine::markedRead(bytes));
     if (read.readed != "1" || read.id != line.id || read.to != line.to ||
         read.subject != line.subject)

@@ -50,19 +50,6 @@ std::array<QByteArrayView, 7> split(QByteArrayView line) {
     return fields;
 }
 
-QStringList rowColumns(QByteArrayView attachments, QByteArrayView subject, QByteArrayView from,
-                       QByteArrayView date, QByteArrayView to) {
-    return {leadingNumber(attachments) > 0 ? QStringLiteral("*") : QStringLiteral(" "),
-            QString(),
-            shown(nameOf(from)),
-            QString(),
-            shown(subject),
-            QString(),
-            shown(date),
-            QString(),
-            shown(nameOf(to))};
-}
-
 } // namespace
 
 MessageListLine MessageListLine::parse(QByteArrayView line) {
@@ -75,7 +62,15 @@ QStringList MessageListLine::columnsOf(QByteArrayView line, bool* read) {
     const std::array<QByteArrayView, 7> f = split(line);
     if (read)
         *read = leadingNumber(f[1]) > 0;
-    return rowColumns(f[2], f[3], f[4], f[5], f[6]);
+    return {leadingNumber(f[2]) > 0 ? QStringLiteral("*") : QStringLiteral(" "),
+            QString(),
+            shown(nameOf(f[4])),
+            QString(),
+            shown(f[3]),
+            QString(),
+            shown(f[5]),
+            QString(),
+            shown(nameOf(f[6]))};
 }
 
 qint32 MessageListLine::messageId() const {
@@ -102,10 +97,6 @@ QByteArray MessageListLine::markedRead(QByteArrayView view) {
 
 QByteArray MessageListLine::displayName(QByteArrayView address) {
     return nameOf(address).toByteArray();
-}
-
-QStringList MessageListLine::columns() const {
-    return rowColumns(attachments, subject, from, date, to);
 }
 
 std::array<int, 9> MessageListLine::columnWidths(int listWidth) {

@@ -24,12 +24,10 @@ struct MessageListLine {
     /// text up to the next one (the display name); anything else as stored.
     static QByteArray displayName(QByteArrayView address);
 
-    /// The nine columns of the visible row. The stored bytes are kept as
-    /// received; encoded words in subject and names are decoded here, for
-    /// the eye only.
-    QStringList columns() const;
-    /// The columns of a line and whether it is read, without a copy of its
-    /// fields: a folder's list builds thousands.
+    /// The nine columns of the visible row of a line, and whether it is
+    /// read, without a copy of its fields: a folder's list builds thousands.
+    /// The stored bytes are kept as received; encoded words in subject and
+    /// names are decoded here, for the eye only.
     static QStringList columnsOf(QByteArrayView line, bool* read = nullptr);
 
     /// Column widths for a list of the given width: the marker column, four
