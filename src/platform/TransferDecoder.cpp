@@ -77,6 +77,12 @@ QByteArray TransferDecoder::decodeBase64(QByteArrayView raw) {
     QByteArray out(raw.size() / 4 * 3 + 3, Qt::Uninitialized);
     auto* const first = reinterpret_cast<quint8*>(out.data());
     quint8* o = first;
+    const auto three = [&o](quint32 v) {
+        o[0] = quint8(v >> 16);
+        o[1] = quint8(v >> 8);
+        o[2] = quint8(v);
+        o += 3;
+    };
     quint32 saved = 0;
     int n = 0;
     while (in < end) {
@@ -87,11 +93,7 @@ QByteArray TransferDecoder::decodeBase64(QByteArrayView raw) {
                               d = kRank[in[3]];
                 if ((a | b | c | d) & 0x80)
                     break;
-                const quint32 v = a << 18 | b << 12 | c << 6 | d;
-                o[0] = quint8(v >> 16);
-                o[1] = quint8(v >> 8);
-                o[2] = quint8(v);
-                o += 3;
+                three(a << 18 | b << 12 | c << 6 | d);
                 in += 4;
             }
             if (in == end)
@@ -111,10 +113,7 @@ QByteArray TransferDecoder::decodeBase64(QByteArrayView raw) {
         }
         saved = saved << 6 | r;
         if (++n == 4) {
-            o[0] = quint8(saved >> 16);
-            o[1] = quint8(saved >> 8);
-            o[2] = quint8(saved);
-            o += 3;
+            three(saved);
             n = 0;
         }
     }
