@@ -84,16 +84,7 @@ TransportError Pop3Client::connect(const MailServer& server) {
 // then costs the server one command, not two.
 TransportError Pop3Client::readSizes() {
     QByteArray listing;
-    Sink sink{&listing, m_maxMessageSize};
-    CURL* c = m_easy.handle();
-    curl_easy_setopt(c, CURLOPT_URL, urlFor(m_server, 0).constData());
-    curl_easy_setopt(c, CURLOPT_CUSTOMREQUEST, nullptr);
-    curl_easy_setopt(c, CURLOPT_NOBODY, 0L);
-    curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, &appendTo);
-    curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
-    const TransportError e = m_easy.perform();
-    curl_easy_setopt(c, CURLOPT_WRITEDATA, nullptr);
-    if (e)
+    if (const TransportError e = transfer(0, listing))
         return e;
     // "n size" per line; a message the listing leaves out is fetched
     // without a size check (the fetch's own cap still holds).
@@ -131,18 +122,10 @@ TransportError Pop3Client::fetch(int n, QByteArray& message) {
         return {kMessageTooLarge, "Message " + QByteArray::number(n) + " (" + megabytes(size) +
                                       ") is larger than " + megabytes(m_maxMessageSize) +
                                       " and stays on the server"};
-    CURL* c = m_easy.handle();
-    Sink sink{&message, m_maxMessageSize};
-    curl_easy_setopt(c, CURLOPT_URL, urlFor(m_server, n).constData());
-    curl_easy_setopt(c, CURLOPT_CUSTOMREQUEST, nullptr);
-    curl_easy_setopt(c, CURLOPT_NOBODY, 0L);
-    curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, &appendTo);
-    curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
-    TransportError e = m_easy.perform();
+    TransportError e = transfer(n, message);
     if (e.number == CURLE_WRITE_ERROR)
         e.description = "Message " + QByteArray::number(n) + " grew beyond the " +
                         megabytes(m_maxMessageSize) + " limit while it was fetched";
-    curl_easy_setopt(c, CURLOPT_WRITEDATA, nullptr);
     // A message ends with CR LF and a line holding a dot. curl also takes
     // the server hanging up as an end, which would pass half a message off
     // as a whole one; what it hands over of a complete message always ends
@@ -153,6 +136,19 @@ TransportError Pop3Client::fetch(int n, QByteArray& message) {
              "The server closed the connection before the end of message " + QByteArray::number(n)};
     if (e)
         message.clear();
+    return e;
+}
+
+TransportError Pop3Client::transfer(int message, QByteArray& into) {
+    Sink sink{&into, m_maxMessageSize};
+    CURL* c = m_easy.handle();
+    curl_easy_setopt(c, CURLOPT_URL, urlFor(m_server, message).constData());
+    curl_easy_setopt(c, CURLOPT_CUSTOMREQUEST, nullptr);
+    curl_easy_setopt(c, CURLOPT_NOBODY, 0L);
+    curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, &appendTo);
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
+    const TransportError e = m_easy.perform();
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, nullptr);
     return e;
 }
 

@@ -51,6 +51,9 @@ private:
     static bool implicitTls(const MailServer& server);
     TransportError command(const char* verb, int message);
     TransportError readSizes();
+    /// Reads what the server sends for message n (0: the mailbox's listing)
+    /// into into, up to the largest message size.
+    TransportError transfer(int message, QByteArray& into);
     TransportError notConnected() const;
 
     CurlEasy m_easy;
