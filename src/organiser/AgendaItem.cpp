@@ -95,18 +95,15 @@ QByteArray entryOccurrenceText(QByteArrayView entry, QByteArrayView indent) {
         f[k] = entry.sliced(pos, end - pos);
         pos = end + 1;
     }
-    const auto mid = [](QByteArrayView v, qsizetype from, qsizetype len) {
-        return from >= v.size() ? QByteArrayView() : v.sliced(from, std::min(len, v.size() - from));
-    };
     const void* cr = std::memchr(f[2].data(), '\r', size_t(f[2].size()));
     const QByteArrayView firstLine =
         cr ? f[2].first(static_cast<const char*>(cr) - f[2].data()) : f[2];
     char priority[24];
     const auto [priorityEnd, ec] =
         std::to_chars(priority, priority + sizeof priority, int(leadingNumber(f[4])));
-    return joined({indent, mid(f[0], 8, 2), ":", mid(f[0], 10, 2), "-", mid(f[1], 8, 2), ":",
-                   mid(f[1], 10, 2), " ", QByteArrayView(priority, priorityEnd - priority), "   ",
-                   firstLine});
+    return joined({indent, midView(f[0], 8, 2), ":", midView(f[0], 10, 2), "-", midView(f[1], 8, 2),
+                   ":", midView(f[1], 10, 2), " ", QByteArrayView(priority, priorityEnd - priority),
+                   "   ", firstLine});
 }
 
 } // namespace mirel

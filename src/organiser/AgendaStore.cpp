@@ -117,16 +117,11 @@ void AgendaStore::load(AgendaLists& lists) const {
     std::array<QByteArray, 7> dates;         // of the coming week, by days from today
     for (int k = 0; k < 7; ++k)
         dates[k] = dateDigits(today.addDays(k));
-    const auto mid = [](const QByteArray& v, qsizetype from, qsizetype len = -1) {
-        return from >= v.size() ? QByteArrayView()
-                                : QByteArrayView(v).sliced(from).first(
-                                      len < 0 ? v.size() - from : std::min(len, v.size() - from));
-    };
     for (const ListEntry& e : lists.lstWeekly.entries()) {
         const int d = int(leadingNumber(e.text));
         const QByteArray& date = dates[(d - w + 7) % 7];
-        sorted.append({joined({date, mid(e.text, 10, 4), QByteArrayView(&kFieldSep, 1), date,
-                               mid(e.text, 23)}),
+        sorted.append({joined({date, midView(e.text, 10, 4), QByteArrayView(&kFieldSep, 1), date,
+                               midView(e.text, 23)}),
                        e.itemData});
     }
     lists.lstAgSorted.clear();

@@ -60,6 +60,13 @@ QByteArray afterSep(const QByteArray& entry) {
     return p < 0 ? QByteArray() : entry.mid(p + 1);
 }
 
+QByteArrayView midView(QByteArrayView v, qsizetype from, qsizetype len) {
+    if (from >= v.size())
+        return {};
+    const qsizetype rest = v.size() - from;
+    return v.sliced(from, len < 0 ? rest : std::min(len, rest));
+}
+
 QByteArray joined(std::initializer_list<QByteArrayView> pieces) {
     qsizetype size = 0;
     for (const QByteArrayView p : pieces)

@@ -52,5 +52,8 @@ QByteArray afterSep(const QByteArray& entry);
 /// The pieces one after another, in one allocation: for building the
 /// thousands of entries of a working list.
 QByteArray joined(std::initializer_list<QByteArrayView> pieces);
+/// What QByteArray::mid gives, as a view into v: its pieces go to joined
+/// without a copy each.
+QByteArrayView midView(QByteArrayView v, qsizetype from, qsizetype len = -1);
 
 } // namespace mirel
