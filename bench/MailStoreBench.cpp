@@ -246,6 +246,8 @@ void BM_ParseAndWriteFloor(benchmark::State& state) {
 }
 BENCHMARK(BM_ParseAndWriteFloor)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 MIREL_BOUND(BM_StoreReceived, BM_ParseAndWriteFloor, 2);
+// How much of twice the parse the disk alone takes, in the same run.
+MIREL_FLOOR(BM_ParseAndWriteFloor, BM_GMimeParseFloor);
 
 // A third floor: what any store built on GMime and SQLite does at least.
 // Each part is decoded by its transfer encoding (GMime's own way, through
@@ -274,6 +276,7 @@ void BM_ParseDecodeWriteFloor(benchmark::State& state) {
 }
 BENCHMARK(BM_ParseDecodeWriteFloor)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 MIREL_FLOOR(BM_StoreReceived, BM_ParseDecodeWriteFloor);
+MIREL_FLOOR(BM_ParseDecodeWriteFloor, BM_GMimeParseFloor);
 
 // Linear: the same rate for 1,000 as for 50,000 messages.
 void BM_StoreReceivedCount(benchmark::State& state) {
